@@ -1,0 +1,15 @@
+#include "flash/EspWin.h"
+
+EspWin::EspWin() {
+    Layout();
+    CreateControls();
+}
+
+std::shared_ptr<EspWin> EspWin::Instance() {
+    constexpr std::string_view name = "EspWin.EspWin";
+    if (const auto live = std::dynamic_pointer_cast<EspWin>(Live(name))) return live;
+    auto window = std::make_shared<EspWin>();
+    Register(name, window);
+    window->Show();
+    return window;
+}

@@ -1,0 +1,32 @@
+#include "flash/EspWin.h"
+#include "platform/Text.h"
+
+namespace {
+
+constexpr std::int64_t kOutputEnd = 10000;  // the line that is scrolled to
+
+void ShowOutput(Shell& shell, TextArea& pane) {
+    pane.AppendText(DefineEncoding(shell.ReadAll(), Encodings::UTF8));
+    pane.ScrollPosition(kOutputEnd);
+}
+
+}  // namespace
+
+// The tool needs the device that the connection holds, so the connection goes first.
+void EspWin::StartPB_Action(PushButton& sender) {
+    sender.Enabled(false);
+    rEF().Text("Wait....");
+    termConnected = mConnected;
+    if (termConnected) DoConnect("");
+    esptool().Execute(InstallEF().Text());
+}
+
+void EspWin::esptool_DataAvailable(Shell& sender) { ShowOutput(sender, rEF()); }
+
+void EspWin::esptool_Completed(Shell& sender) {
+    ShowOutput(sender, rEF());
+    if (termConnected) DoConnect("");
+    StartPB().Enabled(true);
+    PortPM().Enabled(true);
+    SelectPB().Enabled(true);
+}

@@ -1,0 +1,45 @@
+// The choice of the flash tool.
+#include "flash/EspWin.h"
+#include "platform/OpenDialog.h"
+
+void EspWin::tooltypePM_Open(PopupMenu& sender) { sender.ListIndex(mEspToolUse); }
+
+// The tool type is shown and kept; the command has one format for both.
+void EspWin::tooltypePM_Change(PopupMenu& sender) {
+    mEspTool.clear();
+    switch (sender.ListIndex()) {
+        case 0:
+            mEspToolUse = 0;
+            EspToolEF().Text(mEspToolPy);
+            if (!EspToolEF().Text().empty()) mEspTool = mEspToolPy;
+            break;
+        case 1:
+            mEspToolUse = 1;
+            if (mEspToolCk) {
+                EspToolEF().Text(mEspToolCk->NativePath());
+                if (!EspToolEF().Text().empty()) mEspTool = mEspToolCk->ShellPath();
+            }
+            break;
+        default:
+            break;
+    }
+    MakeCommand();
+}
+
+// Cancelling leaves no tool: the one before isn't kept.
+void EspWin::SelectESPPB_Action(PushButton&) {
+    OpenDialog dialog;
+    dialog.InitialDirectory(GetFolderItem("", 0));
+    if (!dialog.InitialDirectory()) dialog.InitialDirectory(SpecialFolder::Documents());
+    dialog.Title("Select ESPTool");
+    dialog.PromptText("ESPToolを選択して下さい....");
+    dialog.Filter("BinHex");  // no type of ours: every file is on offer
+    mEspToolApp = dialog.ShowModal();
+    EspToolEF().Text("");
+    if (!mEspToolApp) return;
+    EspToolEF().Text(mEspToolApp->NativePath());
+    MakeCommand();
+}
+
+// What is typed here is only a display; the command takes the tool from mEspToolApp.
+void EspWin::EspToolEF_TextChange(TextArea&) { MakeCommand(); }

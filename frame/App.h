@@ -1,0 +1,6 @@
+#pragma once
+
+#include "platform/Application.h"
+
+// The application object. All behaviour is the platform's.
+class App : public Application {};

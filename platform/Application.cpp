@@ -1,0 +1,106 @@
+#include "platform/Application.h"
+
+#include <QApplication>
+#include <QPalette>
+#include <QStyleHints>
+#include <cstdio>
+#include <optional>
+
+#include "platform/Window.h"
+
+namespace {
+
+class Toolkit : public QApplication {
+  public:
+    using QApplication::QApplication;
+
+    bool notify(QObject* receiver, QEvent* event) override {
+        try {
+            return QApplication::notify(receiver, event);
+        } catch (const std::exception& exception) {
+            UnhandledException(exception);
+            return false;
+        }
+    }
+};
+
+struct Program {
+    std::shared_ptr<Application> application;
+    std::unique_ptr<QApplication> toolkit;
+    std::optional<int> exitCode;  // set by the first Quit
+};
+
+Program& TheProgram() {
+    static Program program;
+    return program;
+}
+
+// Black on white whatever the desktop's theme: the list's rows have pale colours of their own.
+QPalette LightPalette() {
+    QPalette palette(QColor(0xEF, 0xEF, 0xEF));
+    palette.setColor(QPalette::Base, Qt::white);
+    palette.setColor(QPalette::AlternateBase, QColor(0xF7, 0xF7, 0xF7));
+    palette.setColor(QPalette::WindowText, Qt::black);
+    palette.setColor(QPalette::Text, Qt::black);
+    palette.setColor(QPalette::ButtonText, Qt::black);
+    palette.setColor(QPalette::Highlight, QColor(0x2A, 0x6F, 0xB8));
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    palette.setColor(QPalette::Inactive, QPalette::Highlight, QColor(0xB8, 0xCC, 0xE0));
+    palette.setColor(QPalette::Inactive, QPalette::HighlightedText, Qt::black);
+    palette.setColor(QPalette::PlaceholderText, QColor(0x6E, 0x6E, 0x6E));
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, QColor(0x8C, 0x8C, 0x8C));
+    return palette;
+}
+
+}  // namespace
+
+void RegisterApplication(std::shared_ptr<Application> application) {
+    TheProgram().application = std::move(application);
+}
+
+std::shared_ptr<MenuBar> ApplicationMenuBar() {
+    const auto& application = TheProgram().application;
+    return application ? application->MenuBar() : nullptr;
+}
+
+void SetSupportsHiDPI(bool supported) {
+    using Policy = Qt::HighDpiScaleFactorRoundingPolicy;
+    QGuiApplication::setHighDpiScaleFactorRoundingPolicy(supported ? Policy::PassThrough
+                                                                   : Policy::Floor);
+}
+
+void InitializeFramework(const std::function<void()>& ready) {
+    // Command line arguments change nothing, so the toolkit gets none to see.
+    static char name[] = "quillstone";
+    static char* arguments[] = {name, nullptr};
+    static int count = 1;
+    TheProgram().toolkit = std::make_unique<Toolkit>(count, arguments);
+    QApplication::setStyle("fusion");
+    QApplication::setPalette(LightPalette());
+    QApplication::setDesktopFileName("quillstone");
+    QApplication::setQuitOnLastWindowClosed(false);  // the window says what closing it means
+    QGuiApplication::styleHints()->setTabFocusBehavior(Qt::TabFocusAllControls);
+    ready();
+}
+
+void RunEventLoop() {
+    if (!TheProgram().exitCode) QApplication::exec();
+}
+
+void Quit(int exitCode) {
+    if (!TheProgram().exitCode) TheProgram().exitCode = exitCode;
+    QApplication::exit(exitCode);
+}
+
+void UnhandledException(const std::exception& exception) {
+    std::fprintf(stderr, "quillstone: unhandled exception: %s\n", exception.what());
+    Quit(1);
+}
+
+int EndFramework() {
+    Window::ReleaseAll();
+    TheProgram().application.reset();
+    TheProgram().toolkit.reset();
+    return TheProgram().exitCode.value_or(0);
+}

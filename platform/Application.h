@@ -1,0 +1,44 @@
+// The program as a whole: its start, its event loop and its end.
+#pragma once
+
+#include <exception>
+#include <functional>
+#include <memory>
+
+class MenuBar;
+
+class Application {
+  public:
+    virtual ~Application() = default;
+
+    // The program's menu bar. Windows that are created afterwards show it.
+    std::shared_ptr<::MenuBar> MenuBar() const { return mMenuBar; }
+    void MenuBar(std::shared_ptr<::MenuBar> menuBar) { mMenuBar = std::move(menuBar); }
+
+  private:
+    std::shared_ptr<::MenuBar> mMenuBar;
+};
+
+// Makes `application` the program's one application object.
+void RegisterApplication(std::shared_ptr<Application> application);
+
+// nil before an application is registered, or when it has no menu bar.
+std::shared_ptr<MenuBar> ApplicationMenuBar();
+
+// Declares support of high-resolution displays. Before InitializeFramework.
+void SetSupportsHiDPI(bool supported);
+
+// Brings the toolkit up and calls `ready`.
+void InitializeFramework(const std::function<void()>& ready);
+
+// Runs until Quit.
+void RunEventLoop();
+
+// Ends the event loop, also one that is yet to run, and the program with that code.
+void Quit(int exitCode);
+
+// What is left of an exception that nothing caught: a line on standard error, and Quit with 1.
+void UnhandledException(const std::exception& exception);
+
+// Releases windows, application object and toolkit, in this order, and returns the exit code.
+int EndFramework();

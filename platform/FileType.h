@@ -1,0 +1,45 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+// A kind of file that the program knows by extension. It counts once it is registered, by the
+// conversion to a string; setting a property takes it out again.
+class FileType {
+  public:
+    const std::string& Name() const { return mName; }
+    void Name(std::string_view name) { Set(mName, name); }
+    const std::string& Extensions() const { return mExtensions; }
+    void Extensions(std::string_view extensions) { Set(mExtensions, extensions); }
+    void MacType(std::string_view type) { Set(mMacType, type); }
+    void MacCreator(std::string_view creator) { Set(mMacCreator, creator); }
+    void MimeType(std::string_view type) { Set(mMimeType, type); }
+    void ConformsTo(std::string_view types) { Set(mConformsTo, types); }
+    void Imported(bool imported);
+
+    FileType() = default;
+    FileType(const FileType&) = delete;  // the registry holds addresses
+    FileType& operator=(const FileType&) = delete;
+    ~FileType() { Unregister(); }
+
+    // Registers the type. The string is its Name.
+    explicit operator std::string();
+
+    // Registers both. The string is the filter of a dialog that offers both.
+    friend std::string operator+(FileType& a, FileType& b);
+
+    // Name of the first registered type with the extension of `fileName`, in any case; else empty.
+    static std::string NameFor(std::string_view fileName);
+
+    // The extensions of the registered types that `filter` names, without dots.
+    static std::vector<std::string> ExtensionsIn(std::string_view filter);
+
+  private:
+    void Set(std::string& property, std::string_view value);
+    void Register();
+    void Unregister();
+
+    std::string mName, mExtensions, mMacType, mMacCreator, mMimeType, mConformsTo;
+    bool mImported = false;
+};

@@ -1,0 +1,113 @@
+#include "platform/FolderItem.h"
+
+#include <sys/stat.h>
+
+#include <QCoreApplication>
+#include <QStandardPaths>
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+
+#include "platform/FileType.h"
+#include "platform/QtText.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+bool IsAscii(std::string_view text) {
+    return std::all_of(text.begin(), text.end(), [](char c) { return (c & 0x80) == 0; });
+}
+
+bool PlainInShell(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+           std::string_view("_./+,:@%=-").find(c) != std::string_view::npos;
+}
+
+std::map<std::string, std::string, std::less<>> ComposedNames(const std::string& folder) {
+    std::map<std::string, std::string, std::less<>> names;
+    std::error_code error;
+    for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
+         entry.increment(error)) {
+        auto name = entry->path().filename().string();
+        if (!IsAscii(name)) names.emplace(Composed(name), std::move(name));
+    }
+    return names;
+}
+
+// Asked of the system as bytes: a folder's name need not be valid text.
+std::string ProgramFolder() {
+    std::error_code error;
+    fs::path program = fs::read_symlink("/proc/self/exe", error);
+    if (error) program = fs::canonical(FromQt(QCoreApplication::applicationFilePath()), error);
+    fs::path folder = program.parent_path();
+#ifdef Q_OS_MACOS
+    // Quillstone.app/Contents/MacOS/quillstone
+    if (folder.filename() == "MacOS") folder = folder.parent_path().parent_path().parent_path();
+#endif
+    return folder.string();
+}
+
+std::string& ReplacedBaseFolder() {
+    static std::string path;
+    return path;
+}
+
+}  // namespace
+
+FolderItemRef FolderItem::Child(std::string_view name) const {
+    if (name.empty() || name == "." || name == ".." ||
+        name.find_first_of(std::string_view("/\0", 2)) != name.npos)
+        return nullptr;
+    const std::string folder = mPath.ends_with('/') ? mPath : mPath + '/';
+    auto child = std::make_shared<const FolderItem>(folder + std::string(name));
+    if (IsAscii(name) || child->Exists()) return child;
+    if (!mComposedNames) mComposedNames = ComposedNames(mPath);
+    const auto same = mComposedNames->find(Composed(name));
+    return same == mComposedNames->end()
+               ? child
+               : std::make_shared<const FolderItem>(folder + same->second);
+}
+
+bool FolderItem::Exists() const {
+    struct stat unused {};
+    return stat(mPath.c_str(), &unused) == 0;
+}
+
+std::string FolderItem::Name() const { return fs::path(mPath).filename().string(); }
+
+std::string FolderItem::ShellPath() const {
+    if (!mPath.empty() && std::all_of(mPath.begin(), mPath.end(), PlainInShell)) return mPath;
+    std::string word = "'";
+    for (const char c : mPath) {
+        if (c == '\'')
+            word += "'\\''";
+        else
+            word += c;
+    }
+    return word += '\'';
+}
+
+FolderItemRef FolderItem::Parent() const {
+    const fs::path path(mPath);
+    if (!path.has_relative_path()) return nullptr;
+    return std::make_shared<const FolderItem>(path.parent_path().string());
+}
+
+std::string FolderItem::Type() const { return FileType::NameFor(Name()); }
+
+FolderItemRef GetFolderItem(std::string_view path, int pathType) {
+    if (!path.empty() || pathType != 0) return nullptr;
+    // Taken once: the program's own path reads differently after its file has been deleted.
+    static const std::string programFolder = ProgramFolder();
+    const std::string& replaced = ReplacedBaseFolder();
+    auto folder = std::make_shared<const FolderItem>(replaced.empty() ? programFolder : replaced);
+    return folder->Exists() ? folder : nullptr;
+}
+
+FolderItemRef SpecialFolder::Documents() {
+    return std::make_shared<const FolderItem>(
+        FromQt(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)));
+}
+
+void SetBaseFolder(std::string path) { ReplacedBaseFolder() = std::move(path); }

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+class FolderItem;
+// Shared by whoever refers to it: fields, cell tags, dialogs. nullptr is nil.
+using FolderItemRef = std::shared_ptr<const FolderItem>;
+
+// A reference to a file or folder that need not exist. The path is absolute and kept byte for
+// byte as the file system has it.
+class FolderItem {
+  public:
+    explicit FolderItem(std::string path) : mPath(std::move(path)) {}
+
+    // The entry of that name in this folder, existing or not. Where no entry has exactly these
+    // bytes, one that is equal after Unicode normalisation serves. nil for a name that is no
+    // entry's: empty, ".", "..", or with a path separator or a NUL in it.
+    FolderItemRef Child(std::string_view name) const;
+
+    bool Exists() const;
+    std::string Name() const;
+    std::string NativePath() const { return mPath; }
+
+    // The path as exactly one word of a POSIX shell.
+    std::string ShellPath() const;
+
+    // nil for the root.
+    FolderItemRef Parent() const;
+
+    // Name of the registered FileType whose extensions match, else empty.
+    std::string Type() const;
+
+  private:
+    // Names with letters beyond ASCII, by composed form. Read when first needed, so that a
+    // search for many names that aren't there reads the folder once.
+    mutable std::optional<std::map<std::string, std::string, std::less<>>> mComposedNames;
+    std::string mPath;
+};
+
+// Path type 0 and an empty path: the base folder, the one that holds the running program (on macOS
+// the one that holds its bundle). nil where that folder is gone. The logic asks for no other.
+FolderItemRef GetFolderItem(std::string_view path, int pathType);
+
+namespace SpecialFolder {
+FolderItemRef Documents();
+}
+
+// Replaces the base folder, for tests that prepare one of their own; empty ends that.
+void SetBaseFolder(std::string path);

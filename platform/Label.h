@@ -1,0 +1,10 @@
+#pragma once
+
+#include "platform/Control.h"
+
+// One line of fixed text at the right edge of its place, next to the control that it names.
+class Label : public RectControl {
+  public:
+    Label(Window& owner, std::string name);
+    void Text(std::string_view text);
+};

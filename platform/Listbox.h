@@ -1,0 +1,70 @@
+#pragma once
+
+#include <any>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "platform/Control.h"
+#include "platform/Graphics.h"
+
+// A value of any type; empty is nil.
+using Variant = std::any;
+
+// A table of texts with headings, of which one row at most is selected. Rows and columns count
+// from 0. Reading outside the table gives an empty value, writing there does nothing.
+//
+// A click selects. Typing, F2, Return or a second click on the address cell of the selected row
+// edits the cell in place; leaving it in any way but by Escape commits.
+class Listbox : public RectControl {
+  public:
+    static constexpr int kEditable = 3;
+
+    // `headings` gives the number of columns. All columns but the first have a fixed width; the
+    // first takes the rest.
+    Listbox(Window& owner, std::string name, const std::vector<std::string>& headings,
+            int fixedWidth);
+    ~Listbox() override;
+
+    std::string Cell(std::int64_t row, std::int64_t column) const;
+    // Raises nothing.
+    void Cell(std::int64_t row, std::int64_t column, std::string_view text);
+    Variant CellTag(std::int64_t row, std::int64_t column) const;
+    void CellTag(std::int64_t row, std::int64_t column, Variant tag);
+    // 3 makes the cell editable by the user.
+    void CellType(std::int64_t row, std::int64_t column, int type);
+
+    // The selected row, -1 for none.
+    std::int64_t ListIndex() const;
+    std::int64_t ListCount() const;
+    std::int64_t LastIndex() const { return ListCount() - 1; }
+
+    // Appends a row with the given texts from column 0 on.
+    void AddRow(const std::vector<std::string>& texts);
+    // These two take the selection away, and raise Change if there was one.
+    void RemoveRow(std::int64_t row);
+    void DeleteAllRows();
+
+    void RaiseOpen() override;
+
+    std::function<void(Listbox&)> Open;
+    std::function<void(Listbox&)> Change;
+    // A double click anywhere in the list.
+    std::function<void(Listbox&)> DoubleClick;
+    // The user has changed a cell's text.
+    std::function<void(Listbox&, std::int64_t row, std::int64_t column)> CellTextChange;
+    // Before a cell is painted. False leaves the rest of the painting to the control.
+    std::function<bool(Listbox&, Graphics&, std::int64_t row, std::int64_t column)>
+        CellBackgroundPaint;
+
+  private:
+    class Rows;
+    class View;
+    class Painter;
+
+    std::unique_ptr<Rows> mRows;
+    std::unique_ptr<Painter> mPainter;
+    bool mClearing = false;  // Change waits until the rows are gone
+    View& ListView() const;
+    void ClearSelection();
+};

@@ -1,0 +1,59 @@
+#include "platform/OpenDialog.h"
+
+#include <QApplication>
+#include <QFileDialog>
+#include <QLabel>
+#include <QLayout>
+
+#include "platform/FileType.h"
+#include "platform/QtText.h"
+
+namespace {
+
+// "*.[bB][iI][nN]": not every system's dialog takes patterns without regard to case.
+QString AnyCasePattern(const std::string& extension) {
+    QString pattern = QStringLiteral("*.");
+    for (const QChar c : ToQt(extension))
+        pattern += c.toLower() == c.toUpper() ? QString(c)
+                                              : u'[' + QString(c.toLower()) + c.toUpper() + u']';
+    return pattern;
+}
+
+QString NameFilter(const std::string& filter) {
+    QStringList patterns;
+    for (const std::string& extension : FileType::ExtensionsIn(filter))
+        patterns += AnyCasePattern(extension);
+    if (patterns.isEmpty()) return QStringLiteral("*");
+    return ToQt(filter).replace(u';', QStringLiteral(", ")) + QStringLiteral(" (") +
+           patterns.join(u' ') + u')';
+}
+
+}  // namespace
+
+FolderItemRef OpenDialog::InitialDirectory() const {
+    return mInitialDirectory && mInitialDirectory->Exists() ? mInitialDirectory : nullptr;
+}
+
+FolderItemRef OpenDialog::ShowModal() {
+    QFileDialog dialog(QApplication::activeWindow());
+    dialog.setObjectName("OpenDialog");
+    dialog.setAcceptMode(QFileDialog::AcceptOpen);
+    dialog.setFileMode(QFileDialog::ExistingFile);
+    dialog.setOption(QFileDialog::DontResolveSymlinks);
+    dialog.setOption(QFileDialog::HideNameFilterDetails);
+    dialog.setNameFilter(NameFilter(mFilter));
+    if (const auto folder = InitialDirectory()) dialog.setDirectory(ToQt(folder->NativePath()));
+    // Only the toolkit's own dialog is made of widgets.
+    if (QLayout* layout = dialog.layout()) {
+        dialog.setWindowTitle(ToQt(mTitle));
+        auto* prompt = new QLabel(ToQt(mPromptText), &dialog);
+        prompt->setObjectName("PromptText");
+        prompt->setMargin(9);
+        layout->setMenuBar(prompt);  // the place above all else
+    } else {
+        dialog.setWindowTitle(ToQt(mTitle + " - " + mPromptText));
+    }
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return nullptr;
+    return std::make_shared<const FolderItem>(
+        QFile::encodeName(dialog.selectedFiles().constFirst()).toStdString());
+}

@@ -1,0 +1,61 @@
+#include "platform/PopupMenu.h"
+
+#include <QComboBox>
+#include <QSignalBlocker>
+
+#include "platform/Native.h"
+#include "platform/QtText.h"
+
+namespace {
+
+QComboBox* Combo(const PopupMenu& popup) { return static_cast<QComboBox*>(NativeWidget(popup)); }
+
+}  // namespace
+
+PopupMenu::PopupMenu(Window& owner, std::string name)
+    : RectControl(std::move(name), AsNative(new QComboBox(ContentOf(owner)))) {
+    QComboBox* combo = Combo(*this);
+    combo->setFocusPolicy(Qt::StrongFocus);
+    combo->setMinimumSize(0, 0);
+    QObject::connect(combo, &QComboBox::currentIndexChanged, combo, [this] {
+        if (Change) Change(*this);
+    });
+}
+
+void PopupMenu::AddRow(std::string_view text) {
+    const QSignalBlocker quiet(Combo(*this));
+    const int selected = Combo(*this)->currentIndex();
+    Combo(*this)->addItem(ToQt(text));
+    Combo(*this)->setCurrentIndex(selected);  // the toolkit selects the first row by itself
+}
+
+void PopupMenu::DeleteAllRows() {
+    const bool selected = ListIndex() >= 0;
+    {
+        const QSignalBlocker quiet(Combo(*this));
+        Combo(*this)->clear();
+    }
+    if (selected && Change) Change(*this);
+}
+
+std::string PopupMenu::List(std::int64_t row) const {
+    return FromQt(Combo(*this)->itemText(static_cast<int>(row)));
+}
+
+std::int64_t PopupMenu::ListCount() const { return Combo(*this)->count(); }
+
+std::int64_t PopupMenu::ListIndex() const { return Combo(*this)->currentIndex(); }
+
+void PopupMenu::ListIndex(std::int64_t row) {
+    {
+        const QSignalBlocker quiet(Combo(*this));
+        Combo(*this)->setCurrentIndex(row >= 0 && row < ListCount() ? static_cast<int>(row) : -1);
+    }
+    if (Change) Change(*this);
+}
+
+std::string PopupMenu::Text() const { return FromQt(Combo(*this)->currentText()); }
+
+void PopupMenu::RaiseOpen() {
+    if (Open) Open(*this);
+}

@@ -1,0 +1,17 @@
+#include "platform/QtText.h"
+
+#include <QString>
+
+QString ToQt(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+std::string FromQt(const QString& text) { return text.toStdString(); }
+
+QString ToQtKeys(std::string_view shortcut) {
+    return ToQt(shortcut).replace(QLatin1String("Cmd+"), QLatin1String("Ctrl+"));
+}
+
+std::string Composed(std::string_view text) {
+    return FromQt(ToQt(text).normalized(QString::NormalizationForm_C));
+}

@@ -1,0 +1,198 @@
+#include "platform/Shell.h"
+
+#include <signal.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <QProcess>
+#include <QSocketNotifier>
+#include <QTimer>
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <vector>
+
+#include "platform/QtText.h"
+#include "platform/Session.h"
+#include "platform/Terminal.h"
+#include "platform/Text.h"
+
+extern char** environ;
+
+namespace {
+
+using namespace std::chrono_literals;
+
+// The system limits a single argument (to 128 KiB on Linux) far below all of them together.
+constexpr std::size_t kLongestArgument = 100'000;
+
+// Output is taken in such portions, so that input events come between two of them.
+constexpr std::size_t kPortion = 64 * 1024;
+
+// More than a terminal keeps for its reader: all that a command which has ended can have left.
+constexpr std::size_t kRest = 4 * kPortion;
+
+constexpr auto kForceAfter = 2s;
+constexpr int kHangUpGraceMilliseconds = 300;
+
+constexpr std::string_view kTooLong = "sh: the command line is too long\n";
+constexpr std::string_view kNoShell = "sh: can't be executed\n";
+
+std::vector<std::string> ShellArguments(std::string_view command) {
+    if (command.size() <= kLongestArgument) return {"sh", "-c", std::string(command)};
+    std::vector<std::string> arguments = {
+        "sh", "-c", R"(IFS=; command_line="$*"; unset IFS; shift $#; eval "$command_line")", "sh"};
+    for (; !command.empty(); command.remove_prefix(std::min(command.size(), kLongestArgument)))
+        arguments.emplace_back(command.substr(0, kLongestArgument));
+    return arguments;
+}
+
+// Plain text, please: no colours, no cursor movements.
+std::vector<std::string> ShellEnvironment() {
+    std::vector<std::string> variables;
+    for (char** variable = environ; *variable != nullptr; ++variable)
+        if (!std::string_view(*variable).starts_with("TERM=")) variables.emplace_back(*variable);
+    variables.emplace_back("TERM=dumb");
+    return variables;
+}
+
+std::vector<char*> Pointers(std::vector<std::string>& strings) {
+    std::vector<char*> pointers;
+    for (std::string& string : strings) pointers.push_back(string.data());
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
+}  // namespace
+
+class Shell::Run : public QObject {
+  public:
+    Run(Shell& shell, std::string_view command) : mShell(shell) {
+        if (command.find('\0') != command.npos) {
+            Fail("a command with a NUL character in it can't be run");
+        } else if (!mTerminal.IsOpen()) {
+            Fail(std::string("no pseudo terminal: ") + std::strerror(errno));
+        } else {
+            Start(command);
+        }
+    }
+
+    ~Run() override {
+        if (mProcess.state() == QProcess::NotRunning) return;
+        disconnect(&mProcess, nullptr, this, nullptr);
+        HangUp();
+        EndSession(mLeader, kHangUpGraceMilliseconds);
+        mProcess.waitForFinished(1000);
+    }
+
+    void Stop() {
+        if (mStopping) return;
+        mStopping = true;
+        SignalSession(mLeader, SIGTERM);
+        QTimer::singleShot(kForceAfter, this, [this] {
+            EndSession(mLeader, 0);
+            mForced = true;
+        });
+    }
+
+  private:
+    void HangUp() {
+        mArrival.reset();
+        mTerminal.Close();
+    }
+
+    void Start(std::string_view command) {
+        auto arguments = ShellArguments(command);
+        auto environment = ShellEnvironment();
+        // In the child, between fork and exec: system calls alone. It executes the shell itself,
+        // since a command may hold bytes that are no text for the toolkit.
+        mProcess.setChildProcessModifier(
+            [slave = mTerminal.Slave(), argv = Pointers(arguments), envp = Pointers(environment)] {
+                setsid();
+                ioctl(slave, TIOCSCTTY, 0);
+                dup2(slave, STDOUT_FILENO);
+                dup2(slave, STDERR_FILENO);
+                execve("/bin/sh", argv.data(), envp.data());
+                const std::string_view reason = errno == E2BIG ? kTooLong : kNoShell;
+                _exit(write(STDERR_FILENO, reason.data(), reason.size()) < 0 ? 127 : 126);
+            });
+        mProcess.setStandardInputFile(QProcess::nullDevice());
+        mProcess.setProcessChannelMode(QProcess::ForwardedChannels);  // no pipes
+
+        mArrival = std::make_unique<QSocketNotifier>(mTerminal.Master(), QSocketNotifier::Read);
+        connect(mArrival.get(), &QSocketNotifier::activated, this, [this] { Take(kPortion); });
+        connect(&mProcess, &QProcess::finished, this, &Run::Ended);
+        connect(&mProcess, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
+            if (error == QProcess::FailedToStart) Fail(FromQt(mProcess.errorString()));
+        });
+        mProcess.start(QStringLiteral("/bin/sh"), QStringList(), QIODevice::ReadOnly);
+        mLeader = static_cast<int>(mProcess.processId());
+    }
+
+    void Fail(const std::string& reason) {
+        mShell.mOutput += "sh: " + reason + "\n";
+        QTimer::singleShot(0, this, &Run::Complete);
+    }
+
+    // Reads what there is, up to `limit`, and tells the shell's owner.
+    void Take(std::size_t limit) {
+        const std::size_t before = mShell.mOutput.size();
+        std::size_t total = before;
+        mShell.mOutput.resize(before + limit);
+        while (total < before + limit) {
+            const auto count =
+                read(mTerminal.Master(), mShell.mOutput.data() + total, before + limit - total);
+            if (count < 0 && errno == EINTR) continue;
+            if (count <= 0) break;
+            total += static_cast<std::size_t>(count);
+        }
+        mShell.mOutput.resize(total);
+        if (total > before && CompleteLength(mShell.mOutput) > 0 && mShell.DataAvailable)
+            mShell.DataAvailable(mShell);
+    }
+
+    // The command has ended. After a stop the run isn't over before its other processes are.
+    void Ended() {
+        if (mStopping && !mForced && !SessionProcesses(mLeader).empty())
+            QTimer::singleShot(20ms, this, &Run::Ended);
+        else
+            Complete();
+    }
+
+    void Complete() {
+        if (mTerminal.IsOpen()) Take(kRest);
+        Shell& shell = mShell;
+        shell.mRun.release()->deleteLater();  // this object is still at work
+        HangUp();
+        if (shell.Completed) shell.Completed(shell);
+    }
+
+    Shell& mShell;
+    Terminal mTerminal;
+    std::unique_ptr<QSocketNotifier> mArrival;  // of output
+    QProcess mProcess;
+    int mLeader = 0;  // of the command's session
+    bool mStopping = false, mForced = false;
+};
+
+Shell::Shell(Window&, std::string name) : Control(std::move(name)) {}
+
+Shell::~Shell() = default;
+
+void Shell::Execute(std::string_view command) {
+    if (mRun) return;
+    mOutput.clear();
+    mRun = std::make_unique<Run>(*this, command);
+}
+
+std::string Shell::ReadAll() {
+    const std::size_t length = mRun ? CompleteLength(mOutput) : mOutput.size();
+    std::string output = mOutput.substr(0, length);
+    mOutput.erase(0, length);
+    return output;
+}
+
+void Shell::Stop() {
+    if (mRun) mRun->Stop();
+}

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+class SerialPort {
+  public:
+    explicit SerialPort(std::string name) : mName(std::move(name)) {}
+
+    // kDevicePrefix + Name() is the device's path.
+    const std::string& Name() const { return mName; }
+
+  private:
+    std::string mName;
+};
+
+#ifdef __APPLE__
+inline constexpr std::string_view kDevicePrefix = "/dev/cu.";
+#else
+inline constexpr std::string_view kDevicePrefix = "/dev/";
+#endif
+
+class SystemClass {
+  public:
+    // Looks at the machine's ports and keeps what it found for SerialPort.
+    std::int64_t SerialPortCount();
+
+    // The port at that position at the last SerialPortCount; an unnamed one outside its range.
+    ::SerialPort SerialPort(std::int64_t index) const;
+
+    // `defaultText`, since there is no store of translated texts.
+    std::string GetLocalizedString(std::string_view key, std::string_view defaultText,
+                                   std::string_view language) const;
+
+    // Where the port names come from. A test puts names of its own here.
+    std::function<std::vector<std::string>()> PortNames;
+
+  private:
+    friend SystemClass& System();
+    SystemClass();
+
+    std::vector<std::string> mPorts;
+};
+
+SystemClass& System();
+
+// The system's alert sound.
+void Beep();

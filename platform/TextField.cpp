@@ -1,0 +1,34 @@
+#include <QLineEdit>
+#include <QSignalBlocker>
+
+#include "platform/Native.h"
+#include "platform/QtText.h"
+#include "platform/TextEdit.h"
+#include "platform/TextInputStream.h"
+
+namespace {
+
+QLineEdit* Line(const TextField& field) { return static_cast<QLineEdit*>(NativeWidget(field)); }
+
+}  // namespace
+
+TextField::TextField(Window& owner, std::string name)
+    : TextEdit(std::move(name), AsNative(new QLineEdit(ContentOf(owner)))) {
+    // Whatever a line of a file gives fits in.
+    Line(*this)->setMaxLength(static_cast<int>(TextInputStream::kLongestLine));
+    QObject::connect(Line(*this), &QLineEdit::textChanged, Line(*this), [this] {
+        if (TextChange) TextChange(*this);
+    });
+}
+
+std::string TextField::Text() const { return FromQt(Line(*this)->text()); }
+
+void TextField::Text(std::string_view text) {
+    {
+        const QSignalBlocker quiet(Line(*this));
+        Line(*this)->setText(ToQt(text));
+    }
+    if (TextChange) TextChange(*this);
+}
+
+void TextField::ReadOnly(bool readOnly) { Line(*this)->setReadOnly(readOnly); }

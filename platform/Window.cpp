@@ -1,0 +1,142 @@
+#include "platform/Window.h"
+
+#include <QCloseEvent>
+#include <QLayout>
+#include <QMainWindow>
+#include <QMenuBar>
+#include <QShortcut>
+#include <algorithm>
+#include <map>
+#include <stdexcept>
+
+#include "platform/Application.h"
+#include "platform/Label.h"
+#include "platform/Menu.h"
+#include "platform/Native.h"
+#include "platform/NativeMenu.h"
+#include "platform/QtText.h"
+#include "platform/Text.h"
+
+class Window::Frame : public QMainWindow {
+  public:
+    explicit Frame(Window& window) : mWindow(window), mContent(*new Content(*this)) {
+        setCentralWidget(&mContent);
+        setWindowFlag(Qt::WindowFullscreenButtonHint, false);
+        layout()->setSizeConstraint(QLayout::SetNoConstraint);  // the window's own limits hold
+        if (const auto menus = ApplicationMenuBar()) BuildMenuBar(*menuBar(), *menus);
+    }
+
+    QWidget* ContentWidget() const { return &mContent; }
+
+    void ShowAtDesignSize() {
+        SetLimits(0);
+        resize(mDesign.width(), mDesign.height() + menuBar()->sizeHint().height());
+        show();
+        // Only the shown window knows what the menu bar takes.
+        const int above = height() - mContent.height();
+        SetLimits(above);
+        resize(mDesign.width(), mDesign.height() + above);
+    }
+
+    QSize mDesign, mMinimum, mMaximum;
+
+  protected:
+    void closeEvent(QCloseEvent* event) override {
+        QMainWindow::closeEvent(event);
+        if (mWindow.Close) mWindow.Close();
+    }
+
+  private:
+    class Content : public QWidget {
+      public:
+        explicit Content(Frame& frame) : QWidget(&frame), mFrame(frame) {}
+
+      protected:
+        void resizeEvent(QResizeEvent*) override {
+            const QSize grown = size() - mFrame.mDesign;
+            for (RectControl* control : mFrame.mWindow.VisualControls())
+                control->FollowWindow(grown.width(), grown.height());
+        }
+
+      private:
+        Frame& mFrame;
+    };
+
+    void SetLimits(int above) {
+        setMinimumSize(mMinimum.width(), mMinimum.height() + above);
+        setMaximumSize(mMaximum.width(), mMaximum.height() + above);
+    }
+
+    Window& mWindow;
+    Content& mContent;
+};
+
+QWidget* ContentOf(Window& window) { return window.mFrame->ContentWidget(); }
+
+Window::Window() : mFrame(std::make_unique<Frame>(*this)) {}
+
+Window::~Window() = default;
+
+void Window::Title(std::string_view title) { mFrame->setWindowTitle(ToQt(title)); }
+void Window::Width(int width) { mFrame->mDesign.setWidth(width); }
+void Window::Height(int height) { mFrame->mDesign.setHeight(height); }
+void Window::MinWidth(int width) { mFrame->mMinimum.setWidth(width); }
+void Window::MinHeight(int height) { mFrame->mMinimum.setHeight(height); }
+void Window::MaxWidth(int width) { mFrame->mMaximum.setWidth(width); }
+void Window::MaxHeight(int height) { mFrame->mMaximum.setHeight(height); }
+
+void Window::Show() {
+    SetTabOrder();
+    mFrame->ShowAtDesignSize();
+    for (const auto& control : mControls) control->RaiseOpen();
+    if (Open) Open();
+}
+
+void Window::OnKeys(std::string_view keys, std::function<void()> action) {
+    auto* shortcut = new QShortcut(ToQtKeys(keys), mFrame.get());
+    QObject::connect(shortcut, &QShortcut::activated, mFrame.get(), std::move(action));
+}
+
+Control& Window::Find(std::string_view name) const {
+    const auto control =
+        std::find_if(mControls.begin(), mControls.end(),
+                     [&](const auto& candidate) { return Equal(candidate->Name(), name); });
+    if (control == mControls.end()) throw std::out_of_range("no control " + std::string(name));
+    return **control;
+}
+
+std::vector<RectControl*> Window::VisualControls() const {
+    std::vector<RectControl*> controls;
+    for (const auto& control : mControls)
+        if (auto* visual = dynamic_cast<RectControl*>(control.get())) controls.push_back(visual);
+    return controls;
+}
+
+void Window::SetTabOrder() const {
+    auto controls = VisualControls();
+    std::erase_if(controls, [](RectControl* c) { return dynamic_cast<Label*>(c) != nullptr; });
+    std::stable_sort(controls.begin(), controls.end(),
+                     [](RectControl* a, RectControl* b) { return a->TabIndex() < b->TabIndex(); });
+    for (std::size_t i = 1; i < controls.size(); ++i)
+        QWidget::setTabOrder(NativeWidget(*controls[i - 1]), NativeWidget(*controls[i]));
+}
+
+namespace {
+
+std::map<std::string, std::shared_ptr<Window>, std::less<>>& LiveWindows() {
+    static std::map<std::string, std::shared_ptr<Window>, std::less<>> windows;
+    return windows;
+}
+
+}  // namespace
+
+std::shared_ptr<Window> Window::Live(std::string_view name) {
+    const auto window = LiveWindows().find(name);
+    return window == LiveWindows().end() ? nullptr : window->second;
+}
+
+void Window::Register(std::string_view name, std::shared_ptr<Window> window) {
+    LiveWindows().insert_or_assign(std::string(name), std::move(window));
+}
+
+void Window::ReleaseAll() { LiveWindows().clear(); }

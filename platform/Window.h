@@ -1,0 +1,74 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "platform/Control.h"
+
+// A document window with title bar, close, minimise and maximise buttons, and the application's
+// menu bar. Lengths are device-independent pixels of its content area, below the menu bar.
+class Window {
+  public:
+    Window();
+    Window(const Window&) = delete;
+    Window& operator=(const Window&) = delete;
+    virtual ~Window();
+
+    void Title(std::string_view title);
+    // The content's design size; the controls' places refer to it.
+    void Width(int width);
+    void Height(int height);
+    void MinWidth(int width);
+    void MinHeight(int height);
+    void MaxWidth(int width);
+    void MaxHeight(int height);
+
+    // Shows the window and raises, once, the Open events: the controls' in the order of their
+    // creation, then its own.
+    void Show();
+
+    // Runs `action` when the keys, such as "Cmd+.", are pressed anywhere in the window.
+    void OnKeys(std::string_view keys, std::function<void()> action);
+
+    std::function<void()> Open;
+    // The user has closed the window.
+    std::function<void()> Close;
+
+    // The live window that was registered under this name, or nil. The registry holds windows
+    // until the program ends.
+    static std::shared_ptr<Window> Live(std::string_view name);
+    static void Register(std::string_view name, std::shared_ptr<Window> window);
+    static void ReleaseAll();
+
+  protected:
+    // Creates a control of this window and adds it to the control list.
+    template <class C, class... Arguments>
+    C& Add(std::string name, Arguments&&... arguments) {
+        auto control =
+            std::make_unique<C>(*this, std::move(name), std::forward<Arguments>(arguments)...);
+        C& added = *control;
+        mControls.push_back(std::move(control));
+        return added;
+    }
+
+    // The control of that name in the control list, as its class.
+    template <class C>
+    C& ControlNamed(std::string_view name) const {
+        return dynamic_cast<C&>(Find(name));
+    }
+
+  private:
+    friend class QWidget* ContentOf(Window& window);
+    class Frame;  // the toolkit's window
+
+    Control& Find(std::string_view name) const;
+    std::vector<RectControl*> VisualControls() const;
+    void SetTabOrder() const;
+
+    std::unique_ptr<Frame> mFrame;
+    std::vector<std::unique_ptr<Control>> mControls;  // destroyed before the frame
+};

@@ -1,0 +1,32 @@
+# Shared by the scripts: sourced first, it makes the root of the clone the current directory.
+# shellcheck shell=bash
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+fonts=(fonts-dejavu-core fonts-vlgothic)
+
+# Installs those of the named Debian packages that are missing. A machine that has them all needs
+# neither network nor root; one without apt or sudo is only told what the scripts count on.
+need() {
+    local package missing=() as_root=()
+    if ! command -v apt-get >/dev/null; then
+        echo "This is no Debian machine. Needed, under Debian's names: $*" >&2
+        return
+    fi
+    for package; do
+        dpkg-query -W -f='${Status}\n' "$package" 2>/dev/null | grep -q ' installed$' ||
+            missing+=("$package")
+    done
+    ((${#missing[@]})) || return 0
+    if ((EUID != 0)); then
+        if ! command -v sudo >/dev/null; then
+            echo "Missing packages, to be installed by an administrator: ${missing[*]}" >&2
+            return
+        fi
+        as_root=(sudo)
+    fi
+    echo "Installing ${missing[*]}"
+    "${as_root[@]}" apt-get update -qq
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+        apt-get install -qq -y --no-install-recommends "${missing[@]}" >/dev/null
+}

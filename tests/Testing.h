@@ -1,0 +1,97 @@
+// What all tests share: the program's start without its window, a prepared folder, and the way to
+// the widgets by their names.
+#pragma once
+
+#include <sys/stat.h>
+
+#include <QApplication>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+#include <memory>
+#include <string>
+
+#include "flash/EspWin.h"
+#include "frame/App.h"
+#include "frame/FileTypes1.h"
+#include "frame/MainMenuBar.h"
+#include "platform/FolderItem.h"
+#include "platform/System.h"
+
+// A base folder of the test's own, removed with the object.
+class PreparedFolder {
+  public:
+    explicit PreparedFolder(const QString& name = "base") : mPath(mRoot.filePath(name)) {
+        QDir().mkpath(mPath);
+        SetBaseFolder(mPath.toStdString());
+    }
+    ~PreparedFolder() { SetBaseFolder({}); }
+
+    QString Path(const QString& relative = {}) const {
+        return relative.isEmpty() ? mPath : mPath + '/' + relative;
+    }
+
+    // Folders on the way are made.
+    QString Write(const QString& relative, const QByteArray& bytes, int mode = 0644) const {
+        const QString path = Path(relative);
+        QDir().mkpath(QFileInfo(path).path());
+        QFile file(path);
+        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
+            qFatal("can't write %s", qPrintable(path));
+        file.close();
+        chmod(path.toUtf8().constData(), static_cast<mode_t>(mode));
+        return path;
+    }
+
+    // A shell script in the flash tool's place.
+    QString WriteTool(const QByteArray& script) const {
+        return Write("esptool/esptool", "#!/bin/sh\n" + script, 0755);
+    }
+
+  private:
+    QTemporaryDir mRoot;
+    QString mPath;
+};
+
+// The program's window, opened in the current base folder.
+class OpenedWindow {
+  public:
+    OpenedWindow() {
+        window.Show();
+        frame = Widget<QWidget>("StartPB")->window();
+        if (!QTest::qWaitForWindowActive(frame)) qFatal("the window doesn't come up");
+    }
+
+    template <class W>
+    W* Widget(const char* name) const {
+        for (QWidget* widget : QApplication::allWidgets())
+            if (widget->objectName() == name) return dynamic_cast<W*>(widget);
+        return nullptr;
+    }
+
+    void Click(const char* name) const { QTest::mouseClick(Widget<QWidget>(name), Qt::LeftButton); }
+
+    EspWin window;
+    QWidget* frame = nullptr;
+};
+
+template <class Test>
+int RunTest(int count, char** arguments) {
+    SetSupportsHiDPI(true);
+    FileTypes1::Initialize();
+    auto app = std::make_shared<App>();
+    app->MenuBar(MainMenuBar::Instance());
+    RegisterApplication(app);
+    InitializeFramework([] {});
+    System().PortNames = [] { return std::vector<std::string>(); };  // whatever the machine has
+    int failed = 0;
+    {
+        Test test;
+        failed = QTest::qExec(&test, count, arguments);
+    }
+    EndFramework();
+    return failed;
+}
+
+#define QUILLSTONE_TEST(Test) \
+    int main(int count, char** arguments) { return RunTest<Test>(count, arguments); }

@@ -1,0 +1,38 @@
+// The install setting file: lines of comma-separated fields, of which the first is a key.
+//   cd,<reset method>      cb,<speed>      up,<file beside the setting file>,<address>
+#include "flash/EspWin.h"
+#include "platform/Text.h"
+#include "platform/TextInputStream.h"
+
+// Whatever can't be used is skipped in silence. A file that can't be opened changes nothing; one
+// that can replaces the list.
+void EspWin::SetInstallSetting(const FolderItemRef& file) {
+    if (!file || !file->Exists()) return;
+    const auto stream = TextInputStream::Open(file);
+    if (!stream) return;
+
+    Listbox& list = ulb();
+    list.DeleteAllRows();
+    list.AddRow({""});
+    list.Cell(0, 1, "0x00100000");
+
+    PopupMenu& speeds = BaudPM();
+    const FolderItemRef folder = file->Parent();
+    do {
+        const std::string line = stream->ReadLine(nullptr);
+        if (line.empty()) continue;
+        const std::string key = NthField(line, ",", 1);
+        const std::string value = NthField(line, ",", 2);
+        if (Equal(key, "cd")) {
+            ResetEF().Text(value);
+        } else if (Equal(key, "cb")) {
+            for (std::int64_t i = 0; i < speeds.ListCount(); ++i)
+                if (Equal(value, speeds.List(i))) speeds.ListIndex(i);
+        } else if (Equal(key, "up")) {
+            const FolderItemRef image = folder->Child(value);
+            if (image && image->Exists()) SetUploadFileToList(image, NthField(line, ",", 3));
+        }
+    } while (!stream->Eof());
+    stream->Close();
+    MakeCommand();
+}

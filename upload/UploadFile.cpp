@@ -1,0 +1,24 @@
+// The choice of an image or an install setting file.
+#include "flash/EspWin.h"
+#include "frame/FileTypes1.h"
+#include "platform/OpenDialog.h"
+#include "platform/Text.h"
+
+void EspWin::SelectPB_Action(PushButton&) { SelectUploadFile(); }
+
+void EspWin::SelectUploadFile() {
+    OpenDialog dialog;
+    dialog.InitialDirectory(GetFolderItem("", 0));
+    if (!dialog.InitialDirectory()) dialog.InitialDirectory(SpecialFolder::Documents());
+    dialog.Title("Select Uploadファイル");
+    dialog.PromptText("Uploadファイルを選択して下さい....");
+    dialog.Filter(FileTypes1::BinFile() + FileTypes1::InstSet());
+    const FolderItemRef file = dialog.ShowModal();
+    if (!file) return;
+    const std::string type = file->Type();
+    if (Equal(type, "Bin File"))
+        SetUploadFileToList(file, "");
+    else if (Equal(type, "Install Setting"))
+        SetInstallSetting(file);
+    MakeCommand();
+}

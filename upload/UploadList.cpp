@@ -1,0 +1,47 @@
+// The list of images. The control is the model: its rows are the images of the command.
+#include "flash/EspWin.h"
+
+// New files fill the list's free row or go behind the last. A free row is always the only row:
+// rows are filled as they are made, and a filled one is removed outright while there are others.
+void EspWin::SetUploadFileToList(const FolderItemRef& file, const std::string& address) {
+    Listbox& list = ulb();
+    std::int64_t row = 0;
+    if (!list.Cell(row, 0).empty()) {
+        list.AddRow({""});
+        row = list.LastIndex();
+    }
+    list.Cell(row, 0, file->Name() + " (" + file->NativePath() + ")");
+    list.CellTag(row, 0, file);
+    list.CellType(row, 1, Listbox::kEditable);
+    list.Cell(row, 1, address);
+}
+
+void EspWin::ulb_Open(Listbox& sender) { sender.CellType(0, 1, Listbox::kEditable); }
+
+void EspWin::ulb_Change(Listbox& sender) { DeletePB().Enabled(sender.ListIndex() >= 0); }
+
+void EspWin::ulb_CellTextChange(Listbox&, std::int64_t, std::int64_t) { MakeCommand(); }
+
+void EspWin::ulb_DoubleClick(Listbox&) { SelectUploadFile(); }
+
+bool EspWin::ulb_CellBackgroundPaint(Listbox&, Graphics& g, std::int64_t row, std::int64_t) {
+    constexpr Color paleGreen = 0xD2FFF3;
+    constexpr Color paleBlue = 0xD2EDF5;
+    g.ForeColor(row % 2 == 0 ? paleGreen : paleBlue);
+    g.FillRect(0, 0, g.Width(), g.Height());
+    return false;
+}
+
+// The sole row stays, free again, with its address.
+void EspWin::DeletePB_Action(PushButton&) {
+    Listbox& list = ulb();
+    const std::int64_t i = list.ListIndex();
+    list.CellTag(i, 0, {});
+    list.Cell(i, 0, "");
+    if (list.ListCount() > 1) list.RemoveRow(i);
+    MakeCommand();
+}
+
+void EspWin::UploadEF_TextChange(TextArea&) { MakeCommand(); }
+
+void EspWin::AddressEF_TextChange(TextField&) { MakeCommand(); }
