@@ -18,7 +18,7 @@
 
 namespace {
 
-constexpr std::size_t flashSize = 16 * 1024 * 1024;
+constexpr std::size_t flashSize = 16UL * 1024 * 1024;
 constexpr std::size_t blockSize = 1024;
 constexpr std::size_t dotsPerLine = 80;
 constexpr std::size_t noAddress = SIZE_MAX;

@@ -7,7 +7,7 @@ EspWin::EspWin() {
 
 std::shared_ptr<EspWin> EspWin::Instance() {
     constexpr std::string_view name = "EspWin.EspWin";
-    if (const auto live = std::dynamic_pointer_cast<EspWin>(Live(name))) return live;
+    if (auto live = std::dynamic_pointer_cast<EspWin>(Live(name))) return live;
     auto window = std::make_shared<EspWin>();
     Register(name, window);
     window->Show();

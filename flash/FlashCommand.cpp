@@ -1,8 +1,12 @@
+#include <string_view>
+#include <vector>
+
 #include "flash/EspWin.h"
 #include "platform/System.h"
 
 void EspWin::MakeCommand() {
-    std::vector<std::string> files, addresses;
+    std::vector<std::string> files;
+    std::vector<std::string> addresses;
     const std::string toolPath = mEspToolApp ? mEspToolApp->ShellPath() : std::string();
     const std::string portName = PortPM().Text();
 

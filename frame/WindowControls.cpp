@@ -1,4 +1,8 @@
 // The window's content, in the order of creation.
+#include <initializer_list>
+#include <string_view>
+#include <vector>
+
 #include "flash/EspWin.h"
 #include "frame/Module1.h"
 

@@ -78,7 +78,7 @@ void InitializeFramework(const std::function<void()>& ready) {
     TheProgram().toolkit = std::make_unique<Toolkit>(count, arguments);
     QApplication::setStyle("fusion");
     QApplication::setPalette(LightPalette());
-    QApplication::setDesktopFileName("quillstone");
+    QApplication::setDesktopFileName("local.quillstone.Quillstone");
     QApplication::setQuitOnLastWindowClosed(false);  // the window says what closing it means
     QGuiApplication::styleHints()->setTabFocusBehavior(Qt::TabFocusAllControls);
     ready();
@@ -95,7 +95,8 @@ void Quit(int exitCode) {
 
 void UnhandledException(const std::exception& exception) {
     std::fprintf(stderr, "quillstone: unhandled exception: %s\n", exception.what());
-    Quit(1);
+    TheProgram().exitCode = 1;  // also where the end was under way
+    QApplication::exit(1);
 }
 
 int EndFramework() {

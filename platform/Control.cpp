@@ -1,13 +1,50 @@
 #include "platform/Control.h"
 
 #include <QApplication>
+#include <QEvent>
 #include <QFont>
 #include <QWidget>
 #include <algorithm>
-#include <utility>
 
 #include "platform/Native.h"
 #include "platform/QtText.h"
+
+namespace {
+
+// The nearest control on that side in the tab order that the user can see and reach.
+QWidget* Neighbour(const QWidget& widget, QWidget* (QWidget::*step)() const) {
+    const QWidget* content = widget.parentWidget();
+    for (QWidget* next = (widget.*step)(); next != &widget && !next->isWindow();
+         next = (next->*step)())
+        if (next->parentWidget() == content && next->isEnabled() &&
+            (next->focusPolicy() & Qt::TabFocus) != 0 &&
+            content->rect().intersects(next->geometry()))
+            return next;
+    return nullptr;
+}
+
+constexpr auto kFocusLoan = "FocusLoan";
+
+// Child of a control that had the focus when it was disabled; ends with the user's next input.
+class FocusLoan : public QObject {
+  public:
+    explicit FocusLoan(QWidget& lender) : QObject(&lender) {
+        setObjectName(kFocusLoan);
+        qApp->installEventFilter(this);
+    }
+
+  protected:
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::KeyPress || event->type() == QEvent::MouseButtonPress) {
+            qApp->removeEventFilter(this);
+            setObjectName({});
+            deleteLater();
+        }
+        return false;
+    }
+};
+
+}  // namespace
 
 void* AsNative(QWidget* widget) { return widget; }
 
@@ -26,13 +63,17 @@ bool RectControl::Enabled() const { return NativeWidget(*this)->isEnabled(); }
 
 void RectControl::Enabled(bool enabled) {
     QWidget* widget = NativeWidget(*this);
-    const bool focused = widget->hasFocus();
+    if (!enabled && widget->window()->focusWidget() == widget) {
+        QWidget* heir = Neighbour(*widget, &QWidget::previousInFocusChain);
+        if (heir == nullptr) heir = Neighbour(*widget, &QWidget::nextInFocusChain);
+        if (heir != nullptr) heir->setFocus();
+        new FocusLoan(*widget);  // the widget owns it
+    }
     widget->setEnabled(enabled);
-    const NativeHandle now = AsNative(QApplication::focusWidget());
-    if (focused && !enabled)
-        mFocusHeir = now;
-    else if (enabled && mFocusHeir != nullptr && std::exchange(mFocusHeir, nullptr) == now)
+    if (auto* loan = widget->findChild<QObject*>(kFocusLoan); loan != nullptr && enabled) {
+        delete loan;
         widget->setFocus();
+    }
 }
 
 void RectControl::Place(const ControlPlace& place) {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 
 class Window;
 
@@ -39,8 +40,8 @@ class RectControl : public Control {
   public:
     ~RectControl() override;
 
-    // A control that has the focus when it is disabled gets it back when it is enabled, unless the
-    // user has moved it on by then.
+    // The focus of a control that is disabled goes to one that the user sees, and comes back when
+    // it is enabled, unless the user has pressed a key or a mouse button meanwhile.
     bool Enabled() const;
     void Enabled(bool enabled);
 
@@ -61,6 +62,5 @@ class RectControl : public Control {
 
   private:
     NativeHandle mNative;
-    NativeHandle mFocusHeir = nullptr;  // has the focus that this control had; only compared
     ControlPlace mPlace{};
 };

@@ -14,6 +14,9 @@ std::vector<const FileType*>& Registered() {
 
 }  // namespace
 
+// The registry outlives every type: it is there before the first of them.
+FileType::FileType() { Registered(); }
+
 void FileType::Set(std::string& property, std::string_view value) {
     Unregister();
     property = value;

@@ -18,7 +18,7 @@ class FileType {
     void ConformsTo(std::string_view types) { Set(mConformsTo, types); }
     void Imported(bool imported);
 
-    FileType() = default;
+    FileType();
     FileType(const FileType&) = delete;  // the registry holds addresses
     FileType& operator=(const FileType&) = delete;
     ~FileType() { Unregister(); }

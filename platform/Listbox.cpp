@@ -7,9 +7,12 @@
 #include <QPainter>
 #include <QStyledItemDelegate>
 #include <QTableView>
+#include <algorithm>
+#include <utility>
 
 #include "platform/Native.h"
 #include "platform/QtText.h"
+#include "platform/TextInputStream.h"
 
 // The rows, and the model through which the view sees them.
 class Listbox::Rows : public QAbstractTableModel {
@@ -20,8 +23,8 @@ class Listbox::Rows : public QAbstractTableModel {
         int type = 0;
     };
 
-    Rows(Listbox& list, const std::vector<std::string>& headings)
-        : mList(list), mHeadings(headings) {}
+    Rows(Listbox& list, std::vector<std::string> headings)
+        : mList(list), mHeadings(std::move(headings)) {}
 
     CellData* At(std::int64_t row, std::int64_t column) {
         if (row < 0 || row >= rowCount() || column < 0 || column >= columnCount()) return nullptr;
@@ -132,9 +135,10 @@ class Listbox::View : public QTableView {
   protected:
     void keyPressEvent(QKeyEvent* event) override {
         const int row = SelectedRow();
-        if (row < 0) {
+        const bool toEnd = event->key() == Qt::Key_Home || event->key() == Qt::Key_End;
+        if (row < 0 || toEnd) {
             if (SelectByKey(event->key())) return;
-        } else if (StartsEdit(*event)) {
+        } else if (state() != EditingState && StartsEdit(*event)) {
             const QModelIndex cell = EditableCell(row);
             if (cell.isValid()) {
                 setCurrentIndex(cell);
@@ -161,7 +165,8 @@ class Listbox::View : public QTableView {
     }
 
   private:
-    // The toolkit would move on from a current row that nobody sees.
+    // The toolkit would move on from a current row that nobody sees, and Home and End would go to
+    // the ends of the row.
     bool SelectByKey(int key) {
         const int rows = model()->rowCount();
         if (rows == 0) return false;
@@ -175,7 +180,8 @@ class Listbox::View : public QTableView {
     }
 
     static bool StartsEdit(const QKeyEvent& event) {
-        if (event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier))
+        if (event.modifiers().testAnyFlags(Qt::ControlModifier | Qt::AltModifier |
+                                           Qt::MetaModifier))
             return false;
         const int key = event.key();
         return key == Qt::Key_F2 || key == Qt::Key_Return || key == Qt::Key_Enter ||
@@ -185,7 +191,7 @@ class Listbox::View : public QTableView {
     QModelIndex EditableCell(int row) const {
         for (int column = 0; column < model()->columnCount(); ++column) {
             const QModelIndex cell = model()->index(row, column);
-            if (cell.flags() & Qt::ItemIsEditable) return cell;
+            if (cell.flags().testFlag(Qt::ItemIsEditable)) return cell;
         }
         return {};
     }
@@ -211,10 +217,11 @@ class Listbox::Painter : public QStyledItemDelegate {
         painter->restore();
         if (claimed) return;
 
-        const bool selected = option.state & QStyle::State_Selected;
-        const auto group = option.state & QStyle::State_Active && mList.ListView().hasFocus()
-                               ? QPalette::Active
-                               : QPalette::Inactive;
+        const bool selected = option.state.testFlag(QStyle::State_Selected);
+        const auto group =
+            option.state.testFlag(QStyle::State_Active) && mList.ListView().hasFocus()
+                ? QPalette::Active
+                : QPalette::Inactive;
         const QPalette& palette = option.palette;
         if (selected) painter->fillRect(cell, palette.color(group, QPalette::Highlight));
         painter->setFont(option.font);
@@ -234,6 +241,7 @@ class Listbox::Painter : public QStyledItemDelegate {
                           const QModelIndex& index) const override {
         auto* editor = new QLineEdit(parent);
         editor->setFrame(false);
+        editor->setMaxLength(static_cast<int>(TextInputStream::kLongestLine));
         editor->setFont(mList.ListView().font());
         editor->setAccessibleName(
             index.model()->headerData(index.column(), Qt::Horizontal).toString());
@@ -279,8 +287,12 @@ Listbox::Listbox(Window& owner, std::string name, const std::vector<std::string>
     });
 }
 
-// The view goes first: it is still looking at the rows.
-Listbox::~Listbox() { ListView().setModel(nullptr); }
+// The view goes first: it is still looking at the rows. An edit that is open commits as its editor
+// goes, when there is no window any more to hear of it.
+Listbox::~Listbox() {
+    CellTextChange = nullptr;
+    ListView().setModel(nullptr);
+}
 
 Listbox::View& Listbox::ListView() const { return static_cast<View&>(*NativeWidget(*this)); }
 

@@ -1,13 +1,16 @@
 #include "platform/NativeMenu.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QClipboard>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <string_view>
+#include <vector>
 
 #include "platform/Application.h"
 #include "platform/Menu.h"
@@ -24,7 +27,11 @@ struct EditCommand {
     bool (*areaReady)(const QPlainTextEdit&);
 };
 
-bool ClipboardHasText() { return QApplication::clipboard()->mimeData()->hasText(); }
+// Not every system has a clipboard to ask.
+bool ClipboardHasText() {
+    const QMimeData* content = QApplication::clipboard()->mimeData();
+    return content != nullptr && content->hasText();
+}
 
 constexpr EditCommand kEditCommands[] = {
     {"EditUndo", [](QLineEdit& e) { e.undo(); },
@@ -75,8 +82,8 @@ class EditItems : public QObject {
   private:
     void Follow(QWidget* focus) {
         if (qobject_cast<QMenuBar*>(focus)) return;  // it acts on what had the focus before
-        for (QWidget* former : {static_cast<QWidget*>(mLine), static_cast<QWidget*>(mArea)})
-            if (former) former->disconnect(this);
+        if (mFollowed) mFollowed->disconnect(this);
+        mFollowed = focus;
         mLine = qobject_cast<QLineEdit*>(focus);
         mArea = qobject_cast<QPlainTextEdit*>(focus);
         if (mLine) {
@@ -102,6 +109,7 @@ class EditItems : public QObject {
         const EditCommand* command;
     };
     std::vector<Item> mItems;
+    QPointer<QObject> mFollowed;  // no more than that when it loses the focus by its destruction
     QPointer<QLineEdit> mLine;
     QPointer<QPlainTextEdit> mArea;
 };

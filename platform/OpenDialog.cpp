@@ -1,9 +1,13 @@
 #include "platform/OpenDialog.h"
 
 #include <QApplication>
+#include <QFile>
 #include <QFileDialog>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLayout>
+#include <QSettings>
+#include <QTreeView>
 
 #include "platform/FileType.h"
 #include "platform/QtText.h"
@@ -23,7 +27,7 @@ QString NameFilter(const std::string& filter) {
     QStringList patterns;
     for (const std::string& extension : FileType::ExtensionsIn(filter))
         patterns += AnyCasePattern(extension);
-    if (patterns.isEmpty()) return QStringLiteral("*");
+    if (patterns.isEmpty()) return QStringLiteral("All files (*)");
     return ToQt(filter).replace(u';', QStringLiteral(", ")) + QStringLiteral(" (") +
            patterns.join(u' ') + u')';
 }
@@ -35,6 +39,9 @@ FolderItemRef OpenDialog::InitialDirectory() const {
 }
 
 FolderItemRef OpenDialog::ShowModal() {
+    // The toolkit's own dialog would write the folders that it has seen into a file of the user's.
+    // Nothing of ours outlasts the program.
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("/dev/null"));
     QFileDialog dialog(QApplication::activeWindow());
     dialog.setObjectName("OpenDialog");
     dialog.setAcceptMode(QFileDialog::AcceptOpen);
@@ -50,6 +57,8 @@ FolderItemRef OpenDialog::ShowModal() {
         prompt->setObjectName("PromptText");
         prompt->setMargin(9);
         layout->setMenuBar(prompt);  // the place above all else
+        if (auto* details = dialog.findChild<QTreeView*>("treeView"))
+            details->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
     } else {
         dialog.setWindowTitle(ToQt(mTitle + " - " + mPromptText));
     }

@@ -3,7 +3,10 @@
 #include <QString>
 
 QString ToQt(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+    QString converted = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+    // The toolkit drops a mark at the beginning, which may be that of any piece of a text.
+    if (text.starts_with("\xEF\xBB\xBF")) converted.prepend(QChar::ByteOrderMark);
+    return converted;
 }
 
 std::string FromQt(const QString& text) { return text.toStdString(); }

@@ -21,11 +21,11 @@ void SetLines(int descriptor, bool rts, bool dtr) {
 }
 
 // The toolkit offers one kind of flow control or the other.
-bool AddSoftwareFlowControl(int descriptor) {
+void AddSoftwareFlowControl(int descriptor) {
     termios mode{};
-    if (tcgetattr(descriptor, &mode) != 0) return false;
+    if (tcgetattr(descriptor, &mode) != 0) return;
     mode.c_iflag |= IXON | IXOFF;
-    return tcsetattr(descriptor, TCSANOW, &mode) == 0;
+    tcsetattr(descriptor, TCSANOW, &mode);
 }
 
 }  // namespace
@@ -40,7 +40,7 @@ class Serial::Port : public QSerialPort {
 
     bool OpenWith(const Settings& settings) {
         if (settings.baud <= 0 || settings.baud > std::numeric_limits<qint32>::max()) return false;
-        setPortName(ToQt(settings.name));
+        setPortName(ToQt(std::string(kDevicePrefix) + settings.name));
         setBaudRate(static_cast<qint32>(settings.baud));
         setFlowControl(settings.cts   ? HardwareControl
                        : settings.xon ? SoftwareControl

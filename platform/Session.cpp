@@ -6,6 +6,7 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <set>
 #include <sstream>
 #include <string>
@@ -17,6 +18,7 @@ namespace {
 
 struct Process {
     int pid, parent, session;
+    unsigned long long birth;
 };
 
 // All processes but the dead that wait for their parents.
@@ -30,56 +32,61 @@ std::vector<Process> LivingProcesses() {
         const auto number = std::from_chars(name.data(), name.data() + name.size(), process.pid);
         if (number.ec != std::errc() || number.ptr != name.data() + name.size()) continue;
         std::ifstream file(entry->path() / "stat");
-        std::string line;
-        std::getline(file, line);
+        const std::string line{std::istreambuf_iterator<char>(file), {}};
         // "pid (name) state parent group session ...", where the name may hold anything.
         const auto afterName = line.rfind(')');
         if (afterName == line.npos) continue;
         std::istringstream rest(line.substr(afterName + 1));
         char state = 0;
-        int group = 0;
-        if (rest >> state >> process.parent >> group >> process.session && state != 'Z')
-            processes.push_back(process);
+        std::string skipped;
+        rest >> state >> process.parent >> skipped >> process.session;
+        for (int i = 0; i < 15; ++i) rest >> skipped;  // its terminal, times and priority
+        if (rest >> process.birth && state != 'Z') processes.push_back(process);
     }
     return processes;
 }
 
 }  // namespace
 
-std::vector<int> SessionProcesses(int leader) {
+std::vector<int> Session::Processes() {
     const auto processes = LivingProcesses();
     std::set<int> members;
+    const auto belongs = [&](const Process& process) {
+        return process.session == mLeader || process.pid == mLeader ||
+               members.contains(process.parent) || mSeen.contains({process.pid, process.birth});
+    };
     for (bool grown = true; grown;) {
         grown = false;
         for (const Process& process : processes)
-            if (process.session == leader || process.pid == leader ||
-                members.contains(process.parent))
-                grown |= members.insert(process.pid).second;
+            if (belongs(process)) grown |= members.insert(process.pid).second;
     }
+    mSeen.clear();
+    for (const Process& process : processes)
+        if (members.contains(process.pid)) mSeen.emplace(process.pid, process.birth);
     return {members.begin(), members.end()};
 }
 
 #else
 
-std::vector<int> SessionProcesses(int leader) {
-    return kill(-leader, 0) == 0 ? std::vector<int>{-leader} : std::vector<int>{};
+std::vector<int> Session::Processes() {
+    return kill(-mLeader, 0) == 0 ? std::vector<int>{-mLeader} : std::vector<int>{};
 }
 
 #endif
 
-void SignalSession(int leader, int signal) {
-    for (const int process : SessionProcesses(leader)) {
+void Session::Signal(int signal) {
+    for (const int process : Processes()) {
         kill(process, signal);
         kill(process, SIGCONT);
     }
 }
 
-void EndSession(int leader, int graceMilliseconds) {
+void Session::End(int graceMilliseconds) {
     using Clock = std::chrono::steady_clock;
     const auto politeUntil = Clock::now() + std::chrono::milliseconds(graceMilliseconds);
     const auto giveUp = politeUntil + std::chrono::seconds(1);
-    while (!SessionProcesses(leader).empty() && Clock::now() < giveUp) {
-        if (Clock::now() >= politeUntil) SignalSession(leader, SIGKILL);
+    while (!Processes().empty() && Clock::now() < giveUp) {
+        if (Clock::now() >= politeUntil) Signal(SIGKILL);
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
 }

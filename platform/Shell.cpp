@@ -8,9 +8,11 @@
 #include <QSocketNotifier>
 #include <QTimer>
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <chrono>
 #include <cstring>
+#include <optional>
 #include <vector>
 
 #include "platform/QtText.h"
@@ -18,7 +20,7 @@
 #include "platform/Terminal.h"
 #include "platform/Text.h"
 
-extern char** environ;
+extern char** environ;  // NOLINT(readability-redundant-declaration): some systems leave it to us
 
 namespace {
 
@@ -27,11 +29,13 @@ using namespace std::chrono_literals;
 // The system limits a single argument (to 128 KiB on Linux) far below all of them together.
 constexpr std::size_t kLongestArgument = 100'000;
 
-// Output is taken in such portions, so that input events come between two of them.
-constexpr std::size_t kPortion = 64 * 1024;
+// Output is taken in such portions, so that input events come between two of them. To show a line
+// costs as much as to show some tens of bytes.
+constexpr std::size_t kPortion = 64UL * 1024;
+constexpr std::ptrdiff_t kPortionLines = 2000;
 
 // More than a terminal keeps for its reader: all that a command which has ended can have left.
-constexpr std::size_t kRest = 4 * kPortion;
+constexpr std::size_t kRest = 256UL * 1024;
 
 constexpr auto kForceAfter = 2s;
 constexpr int kHangUpGraceMilliseconds = 300;
@@ -40,9 +44,10 @@ constexpr std::string_view kTooLong = "sh: the command line is too long\n";
 constexpr std::string_view kNoShell = "sh: can't be executed\n";
 
 std::vector<std::string> ShellArguments(std::string_view command) {
-    if (command.size() <= kLongestArgument) return {"sh", "-c", std::string(command)};
+    // A command may begin with a hyphen, and is no option of the shell's for that.
+    if (command.size() <= kLongestArgument) return {"sh", "-c", "--", std::string(command)};
     std::vector<std::string> arguments = {
-        "sh", "-c", R"(IFS=; command_line="$*"; unset IFS; shift $#; eval "$command_line")", "sh"};
+        "sh", "-c", R"(IFS=; command_line="$*"; unset IFS; shift $#; eval " $command_line")", "sh"};
     for (; !command.empty(); command.remove_prefix(std::min(command.size(), kLongestArgument)))
         arguments.emplace_back(command.substr(0, kLongestArgument));
     return arguments;
@@ -59,13 +64,30 @@ std::vector<std::string> ShellEnvironment() {
 
 std::vector<char*> Pointers(std::vector<std::string>& strings) {
     std::vector<char*> pointers;
+    pointers.reserve(strings.size() + 1);
     for (std::string& string : strings) pointers.push_back(string.data());
     pointers.push_back(nullptr);
     return pointers;
 }
 
+// What there is for now, up to a portion.
+std::string ReadPortion(int terminal) {
+    std::string portion;
+    std::array<char, 4096> part;
+    for (std::ptrdiff_t lines = 0; portion.size() < kPortion && lines < kPortionLines;) {
+        const auto count = read(terminal, part.data(), part.size());
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) break;
+        portion.append(part.data(), static_cast<std::size_t>(count));
+        lines += std::count(part.begin(), part.begin() + count, '\n');
+    }
+    return portion;
+}
+
 }  // namespace
 
+// One command. All of it happens on the main thread, between other events: the program has no
+// thread of its own.
 class Shell::Run : public QObject {
   public:
     Run(Shell& shell, std::string_view command) : mShell(shell) {
@@ -79,19 +101,21 @@ class Shell::Run : public QObject {
     }
 
     ~Run() override {
-        if (mProcess.state() == QProcess::NotRunning) return;
+        if (!mSession) return;
         disconnect(&mProcess, nullptr, this, nullptr);
+        mSession->Processes();  // before the hang-up parts those that have left it from the rest
         HangUp();
-        EndSession(mLeader, kHangUpGraceMilliseconds);
+        mSession->End(kHangUpGraceMilliseconds);
         mProcess.waitForFinished(1000);
     }
 
     void Stop() {
         if (mStopping) return;
         mStopping = true;
-        SignalSession(mLeader, SIGTERM);
+        if (!mSession) return;
+        mSession->Signal(SIGTERM);
         QTimer::singleShot(kForceAfter, this, [this] {
-            EndSession(mLeader, 0);
+            if (mSession) mSession->End(0);
             mForced = true;
         });
     }
@@ -109,6 +133,7 @@ class Shell::Run : public QObject {
         // since a command may hold bytes that are no text for the toolkit.
         mProcess.setChildProcessModifier(
             [slave = mTerminal.Slave(), argv = Pointers(arguments), envp = Pointers(environment)] {
+                for (const int ending : {SIGHUP, SIGINT, SIGQUIT, SIGTERM}) signal(ending, SIG_DFL);
                 setsid();
                 ioctl(slave, TIOCSCTTY, 0);
                 dup2(slave, STDOUT_FILENO);
@@ -121,13 +146,14 @@ class Shell::Run : public QObject {
         mProcess.setProcessChannelMode(QProcess::ForwardedChannels);  // no pipes
 
         mArrival = std::make_unique<QSocketNotifier>(mTerminal.Master(), QSocketNotifier::Read);
-        connect(mArrival.get(), &QSocketNotifier::activated, this, [this] { Take(kPortion); });
+        connect(mArrival.get(), &QSocketNotifier::activated, this,
+                [this] { Pass(ReadPortion(mTerminal.Master())); });
         connect(&mProcess, &QProcess::finished, this, &Run::Ended);
         connect(&mProcess, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
             if (error == QProcess::FailedToStart) Fail(FromQt(mProcess.errorString()));
         });
         mProcess.start(QStringLiteral("/bin/sh"), QStringList(), QIODevice::ReadOnly);
-        mLeader = static_cast<int>(mProcess.processId());
+        if (mProcess.processId() > 0) mSession.emplace(static_cast<int>(mProcess.processId()));
     }
 
     void Fail(const std::string& reason) {
@@ -135,36 +161,38 @@ class Shell::Run : public QObject {
         QTimer::singleShot(0, this, &Run::Complete);
     }
 
-    // Reads what there is, up to `limit`, and tells the shell's owner.
-    void Take(std::size_t limit) {
-        const std::size_t before = mShell.mOutput.size();
-        std::size_t total = before;
-        mShell.mOutput.resize(before + limit);
-        while (total < before + limit) {
-            const auto count =
-                read(mTerminal.Master(), mShell.mOutput.data() + total, before + limit - total);
-            if (count < 0 && errno == EINTR) continue;
-            if (count <= 0) break;
-            total += static_cast<std::size_t>(count);
-        }
-        mShell.mOutput.resize(total);
-        if (total > before && CompleteLength(mShell.mOutput) > 0 && mShell.DataAvailable)
+    void Pass(const std::string& portion) {
+        mShell.mOutput += portion;
+        if (!portion.empty() && CompleteLength(mShell.mOutput) > 0 && mShell.DataAvailable)
             mShell.DataAvailable(mShell);
     }
 
     // The command has ended. After a stop the run isn't over before its other processes are.
     void Ended() {
-        if (mStopping && !mForced && !SessionProcesses(mLeader).empty())
+        if (mStopping && !mForced && !mSession->Processes().empty())
             QTimer::singleShot(20ms, this, &Run::Ended);
         else
+            TakeRest(kRest);
+    }
+
+    // What the command left in the background may go on printing, so there is a limit.
+    void TakeRest(std::size_t limit) {
+        mArrival.reset();
+        const std::string portion = ReadPortion(mTerminal.Master());
+        if (portion.empty() || portion.size() >= limit) {
+            mShell.mOutput += portion;
             Complete();
+        } else {
+            QTimer::singleShot(0, this, [=, this] { TakeRest(limit - portion.size()); });
+            Pass(portion);
+        }
     }
 
     void Complete() {
-        if (mTerminal.IsOpen()) Take(kRest);
         Shell& shell = mShell;
         shell.mRun.release()->deleteLater();  // this object is still at work
         HangUp();
+        mSession.reset();  // what ignores the hang-up goes its own way
         if (shell.Completed) shell.Completed(shell);
     }
 
@@ -172,7 +200,7 @@ class Shell::Run : public QObject {
     Terminal mTerminal;
     std::unique_ptr<QSocketNotifier> mArrival;  // of output
     QProcess mProcess;
-    int mLeader = 0;  // of the command's session
+    std::optional<Session> mSession;  // while the run lasts
     bool mStopping = false, mForced = false;
 };
 

@@ -1,7 +1,8 @@
 #include "platform/Text.h"
 
 #include <algorithm>
-#include <charconv>
+#include <locale>
+#include <sstream>
 
 namespace {
 
@@ -41,11 +42,11 @@ std::string NthField(std::string_view text, std::string_view separator, std::int
 }
 
 double Val(std::string_view text) {
-    text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
-    if (text.starts_with('+')) text.remove_prefix(1);
+    std::istringstream stream{std::string(text)};
+    stream.imbue(std::locale::classic());  // the same number whatever the user's language
     double number = 0;
-    const auto end = std::from_chars(text.data(), text.data() + text.size(), number);
-    return end.ec == std::errc() ? number : 0;
+    stream >> number;
+    return stream ? number : 0;
 }
 
 std::size_t CompleteLength(std::string_view bytes) {

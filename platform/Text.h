@@ -18,7 +18,7 @@ std::int64_t IndexOf(std::span<const std::string> array, std::string_view value,
 // fewer fields.
 std::string NthField(std::string_view text, std::string_view separator, std::int64_t number);
 
-// The decimal number at the start of `text`, blanks before it skipped; 0 where there is none.
+// The number that `text` shows; 0 where it shows none.
 double Val(std::string_view text);
 
 // Length of the part of `bytes` that can be shown without knowing what follows: it ends neither

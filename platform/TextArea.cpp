@@ -1,3 +1,4 @@
+#include <QMimeData>
 #include <QPlainTextEdit>
 #include <QScrollBar>
 #include <QTextBlock>
@@ -30,6 +31,7 @@ struct TextArea::State : public QPlainTextEdit {
         connect(this, &QPlainTextEdit::textChanged, this, [this] {
             if (mOwnChange) return;
             mIsExact = false;
+            mShown = true;
             mExact = {};
             if (mArea.TextChange) mArea.TextChange(mArea);
         });
@@ -47,7 +49,9 @@ struct TextArea::State : public QPlainTextEdit {
         if (mShown) return;
         mShown = true;
         mOwnChange = true;
-        setPlainText(ToQt(mExact));
+        const QString text = ToQt(mExact);
+        ChooseWrapping(text);
+        setPlainText(text);
         mOwnChange = false;
     }
 
@@ -93,6 +97,10 @@ struct TextArea::State : public QPlainTextEdit {
     }
 
   protected:
+    void insertFromMimeData(const QMimeData* source) override {
+        ChooseWrapping(document()->toRawText() + source->text());
+        QPlainTextEdit::insertFromMimeData(source);
+    }
     bool event(QEvent* event) override {
         ShowBeforeInput(*event);
         return QPlainTextEdit::event(event);
@@ -103,6 +111,19 @@ struct TextArea::State : public QPlainTextEdit {
     }
 
   private:
+    // Between words where it can be: to look for a place in a very long word takes the toolkit
+    // time by the square of its length.
+    void ChooseWrapping(const QString& text) {
+        qsizetype longest = 0;
+        qsizetype length = 0;
+        for (const QChar c : text) {
+            length = c.isSpace() ? 0 : length + 1;
+            longest = std::max(longest, length);
+        }
+        setWordWrapMode(longest > kLongestParagraph ? QTextOption::WrapAnywhere
+                                                    : QTextOption::WrapAtWordBoundaryOrAnywhere);
+    }
+
     void ShowBeforeInput(const QEvent& event) {
         switch (event.type()) {
             case QEvent::KeyPress:

@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr std::size_t kBlock = 64 * 1024;
+constexpr std::size_t kBlock = 64UL * 1024;
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 bool IsUtf8(std::string_view text) {
@@ -55,6 +55,8 @@ std::unique_ptr<TextInputStream> TextInputStream::Open(const FolderItemRef& file
 
 TextInputStream::TextInputStream(std::ifstream file) : mFile(std::move(file)) {
     if (!HoldsUtf8(mFile)) mDecoder = std::make_unique<Decoder>();
+    // A toolkit that was built without this encoding leaves the bytes as they are.
+    if (mDecoder && !mDecoder->shiftJis.isValid()) mDecoder.reset();
     Fill();
     if (mBuffer.starts_with(kByteOrderMark)) mNext = kByteOrderMark.size();
     if (Eof()) Fill();

@@ -12,7 +12,7 @@
 class TextInputStream {
   public:
     // Of a longer line only so many bytes are read: text controls can't show more.
-    static constexpr std::size_t kLongestLine = 64 * 1024;
+    static constexpr std::size_t kLongestLine = 64UL * 1024;
 
     // nil for a file that can't be opened, or that is no regular file. Raises NilObjectException
     // for a nil argument.

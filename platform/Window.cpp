@@ -94,6 +94,7 @@ void Window::Show() {
 
 void Window::OnKeys(std::string_view keys, std::function<void()> action) {
     auto* shortcut = new QShortcut(ToQtKeys(keys), mFrame.get());
+    shortcut->setContext(Qt::ApplicationShortcut);  // also while a popup shows its rows
     QObject::connect(shortcut, &QShortcut::activated, mFrame.get(), std::move(action));
 }
 

@@ -1,5 +1,7 @@
 // The install setting file: lines of comma-separated fields, of which the first is a key.
 //   cd,<reset method>      cb,<speed>      up,<file beside the setting file>,<address>
+#include <optional>
+
 #include "flash/EspWin.h"
 #include "platform/Text.h"
 #include "platform/TextInputStream.h"
@@ -16,7 +18,11 @@ void EspWin::SetInstallSetting(const FolderItemRef& file) {
     list.AddRow({""});
     list.Cell(0, 1, "0x00100000");
 
-    PopupMenu& speeds = BaudPM();
+    // Of several lines for one control the last wins, and sets it once: each setting composes the
+    // command, over all images that are listed by then.
+    std::optional<std::string> reset;
+    std::optional<std::int64_t> speed;
+    const PopupMenu& speeds = BaudPM();
     const FolderItemRef folder = file->Parent();
     do {
         const std::string line = stream->ReadLine(nullptr);
@@ -24,15 +30,17 @@ void EspWin::SetInstallSetting(const FolderItemRef& file) {
         const std::string key = NthField(line, ",", 1);
         const std::string value = NthField(line, ",", 2);
         if (Equal(key, "cd")) {
-            ResetEF().Text(value);
+            reset = value;
         } else if (Equal(key, "cb")) {
             for (std::int64_t i = 0; i < speeds.ListCount(); ++i)
-                if (Equal(value, speeds.List(i))) speeds.ListIndex(i);
+                if (Equal(value, speeds.List(i))) speed = i;
         } else if (Equal(key, "up")) {
             const FolderItemRef image = folder->Child(value);
             if (image && image->Exists()) SetUploadFileToList(image, NthField(line, ",", 3));
         }
     } while (!stream->Eof());
     stream->Close();
+    if (reset) ResetEF().Text(*reset);
+    if (speed) BaudPM().ListIndex(*speed);
     MakeCommand();
 }
