@@ -3,12 +3,13 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
+# shellcheck disable=SC2034 # used by those that source this
 fonts=(fonts-dejavu-core fonts-vlgothic)
 
 # Installs those of the named Debian packages that are missing. A machine that has them all needs
 # neither network nor root; one without apt or sudo is only told what the scripts count on.
 need() {
-    local package missing=() as_root=()
+    local package missing=()
     if ! command -v apt-get >/dev/null; then
         echo "This is no Debian machine. Needed, under Debian's names: $*" >&2
         return
@@ -18,15 +19,25 @@ need() {
             missing+=("$package")
     done
     ((${#missing[@]})) || return 0
-    if ((EUID != 0)); then
-        if ! command -v sudo >/dev/null; then
-            echo "Missing packages, to be installed by an administrator: ${missing[*]}" >&2
-            return
-        fi
-        as_root=(sudo)
+    if ((EUID != 0)) && ! command -v sudo >/dev/null; then
+        echo "Missing packages, to be installed by an administrator: ${missing[*]}" >&2
+        return
     fi
     echo "Installing ${missing[*]}"
-    "${as_root[@]}" apt-get update -qq
-    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
-        apt-get install -qq -y --no-install-recommends "${missing[@]}" >/dev/null
+    as_root apt-get update -qq
+    apt_install "${missing[@]}"
+}
+
+apt_install() {
+    as_root env DEBIAN_FRONTEND=noninteractive apt-get install -qq -y --no-install-recommends \
+        -o DPkg::Lock::Timeout=300 "$@" >/dev/null
+}
+
+as_root() {
+    if ((EUID == 0)); then "$@"; else sudo "$@"; fi
+}
+
+die() {
+    echo "FAILED: $*" >&2
+    exit 1
 }
