@@ -150,7 +150,9 @@ class Shell::Run : public QObject {
                 [this] { Pass(ReadPortion(mTerminal.Master())); });
         connect(&mProcess, &QProcess::finished, this, &Run::Ended);
         connect(&mProcess, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
-            if (error == QProcess::FailedToStart) Fail(FromQt(mProcess.errorString()));
+            if (error != QProcess::FailedToStart) return;
+            disconnect(&mProcess, nullptr, this, nullptr);  // it may say so more than once
+            Fail(FromQt(mProcess.errorString()));
         });
         mProcess.start(QStringLiteral("/bin/sh"), QStringList(), QIODevice::ReadOnly);
         if (mProcess.processId() > 0) mSession.emplace(static_cast<int>(mProcess.processId()));

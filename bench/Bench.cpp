@@ -1,0 +1,161 @@
+// Measures the program against baselines and prints the table, in Markdown. Each measurement runs
+// in processes of its own, the two sides in turn.
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <vector>
+
+#include "bench/Median.h"
+
+namespace {
+
+constexpr int kLines = 1'000'000;
+
+using Figures = std::vector<double>;
+
+QString Beside(const char* program) {
+    return QCoreApplication::applicationDirPath() + '/' + program;
+}
+
+[[noreturn]] void Die(const QString& reason) {
+    std::fprintf(stderr, "bench: %s\n", qPrintable(reason));
+    std::exit(1);
+}
+
+// The numbers that a child prints.
+Figures Child(const QStringList& arguments) {
+    QProcess child;
+    child.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    child.start(Beside("bench_child"), arguments);
+    if (!child.waitForFinished(600'000) || child.exitStatus() != QProcess::NormalExit ||
+        child.exitCode() != 0)
+        Die(arguments.join(' ') + " failed");
+    Figures figures;
+    for (const QByteArray& word : child.readAllStandardOutput().simplified().split(' '))
+        figures.push_back(word.toDouble());
+    return figures;
+}
+
+// Milliseconds from the start of a program to the first byte of its output.
+double UntilFirstByte(const QString& program, const QStringList& arguments) {
+    QProcess child;
+    QElapsedTimer clock;
+    clock.start();
+    child.start(program, arguments, QIODevice::ReadOnly);
+    if (!child.waitForReadyRead(60'000) && child.bytesAvailable() == 0)
+        Die(program + " printed nothing");
+    const double elapsed = static_cast<double>(clock.nsecsElapsed()) / 1e6;
+    child.kill();
+    child.waitForFinished();
+    return elapsed;
+}
+
+// Runs all sides so often, in turn, and returns the medians of each side's figures.
+std::vector<Figures> Medians(int runs, const std::vector<std::function<Figures()>>& sides) {
+    std::vector<std::vector<Figures>> columns(sides.size());
+    for (int run = 0; run < runs; ++run)
+        for (std::size_t side = 0; side < sides.size(); ++side) {
+            const Figures figures = sides[side]();
+            columns[side].resize(figures.size());
+            for (std::size_t i = 0; i < figures.size(); ++i) columns[side][i].push_back(figures[i]);
+        }
+    std::vector<Figures> medians(sides.size());
+    for (std::size_t side = 0; side < sides.size(); ++side)
+        for (const Figures& column : columns[side]) medians[side].push_back(Median(column));
+    return medians;
+}
+
+enum class Limits { Nothing, Ratio, Figure };
+
+void Row(const char* what, double figure, double baseline, const char* unit, Limits limits,
+         double limit) {
+    const double ratio = figure / baseline;
+    const auto digits = [](double value) { return value >= 100 ? 0 : value >= 10 ? 1 : 2; };
+    std::printf("| %s | %.*f %s | %.*f %s | %.*f |", what, digits(figure), figure, unit,
+                digits(baseline), baseline, unit, ratio < 0.1 ? 4 : 2, ratio);
+    if (limits == Limits::Nothing)
+        std::puts(" | |");
+    else
+        std::printf(" %g%s%s | %s |\n", limit, limits == Limits::Figure ? " " : "",
+                    limits == Limits::Figure ? unit : "",
+                    (limits == Limits::Ratio ? ratio : figure) <= limit ? "yes" : "**no**");
+    std::fflush(stdout);
+}
+
+void Start(const char* platform, const char* what, const char* word) {
+    const QByteArray before = qgetenv("QT_QPA_PLATFORM");
+    qputenv("QT_QPA_PLATFORM", platform);
+    const auto painted = [](const char* mode) {
+        return [mode] { return Figures{UntilFirstByte(Beside("bench_child"), {mode})}; };
+    };
+    const auto medians =
+        Medians(21, {painted("start"), painted("start-bare"), painted("start-word")});
+    qputenv("QT_QPA_PLATFORM", before);
+    Row(what, medians[0][0], medians[1][0], "ms", Limits::Ratio, 1.5);
+    Row(word, medians[2][0], medians[1][0], "ms", Limits::Nothing, 0);
+}
+
+void Flood(const QTemporaryDir& folder) {
+    const QString text = folder.filePath("flood.txt"), ends = folder.filePath("ends.txt");
+    QFile file(text);
+    if (!file.open(QIODevice::WriteOnly)) Die("no room for " + text);
+    for (int line = 0; line < kLines; ++line)
+        file.write(QByteArray::number(line).rightJustified(7, '0') +
+                   " written, and so is this line\n");
+    file.close();
+    const auto flooded = [&](const char* mode) {
+        return [=, shown = static_cast<double>(file.size() + 9)] {  // "Wait...." and the end
+            Figures figures = Child({mode, text, ends});
+            if (figures.at(3) != shown) Die(QString(mode) + ": not all is shown");
+            return figures;
+        };
+    };
+    const auto medians = Medians(5, {flooded("flood"), flooded("flood-bare")});
+    const Figures &ours = medians[0], &bare = medians[1];
+    Row("a million lines of output: time", ours[0], bare[0], "s", Limits::Ratio, 1.15);
+    Row("peak memory", ours[1], bare[1], "MiB", Limits::Ratio, 1.1);
+    Row("longest hold of the event loop", ours[2], bare[2], "ms", Limits::Figure, 30);
+}
+
+void FirstLine() {
+    const QString tool = Beside("bench_unflushed");
+    const auto medians = Medians(5, {[&] {
+                                         return Child({"first-line", tool});
+                                     },
+                                     [&] { return Figures{UntilFirstByte(tool, {})}; }});
+    Row("first line of a tool that never flushes", medians[0][0], medians[1][0], "ms",
+        Limits::Figure, 100);
+}
+
+// A child that prints both sides of the row.
+void Scaled(const char* mode, const char* what, const QTemporaryDir& folder, double limit,
+            std::initializer_list<int> sizes) {
+    for (const int size : sizes) {
+        const auto medians = Medians(9, {[&] {
+                                         return Child({mode, folder.path(), QString::number(size)});
+                                     }});
+        Row(qPrintable(QString(what).arg(size)), medians[0][0], medians[0][1], "µs", Limits::Ratio,
+            limit);
+    }
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+    const QCoreApplication application(count, arguments);
+    const QTemporaryDir folder;
+    std::puts(
+        "| what | Quillstone | baseline | ratio | at most | kept |\n|---|---|---|---|---|---|");
+    if (qEnvironmentVariableIsSet("DISPLAY"))
+        Start("xcb", "start to first paint, X display", "a window with one word, X display");
+    Start("offscreen", "start to first paint, no display", "a window with one word, no display");
+    Flood(folder);
+    FirstLine();
+    Scaled("command", "`MakeCommand`, %1 rows", folder, 3, {10, 100, 1000});
+    Scaled("setting", "a line of a setting file with %1 `up` lines", folder, 1.5, {1000, 10000});
+}

@@ -1,0 +1,262 @@
+// One measurement in a process of its own: bench_child MODE ARGUMENT... prints its figures. The
+// modes that end in "-bare" are the baselines, in a process set up alike.
+#include <sys/stat.h>
+
+#include <QAbstractEventDispatcher>
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QLabel>
+#include <QMainWindow>
+#include <QPlainTextEdit>
+#include <QScrollBar>
+#include <QTimer>
+#include <algorithm>
+#include <fstream>
+#include <iostream>
+#include <map>
+
+#include "bench/Median.h"
+#include "flash/EspWin.h"
+#include "frame/App.h"
+#include "frame/FileTypes1.h"
+#include "frame/MainMenuBar.h"
+
+namespace {
+
+using Arguments = std::vector<std::string>;
+
+// Since the last call, or since the clock was started.
+double MicrosecondsOf(QElapsedTimer& clock) {
+    const auto elapsed = static_cast<double>(clock.nsecsElapsed()) / 1000;
+    clock.restart();
+    return elapsed;
+}
+
+// Prints a byte when the window and all in it have been painted for the first time.
+class FirstPaint : public QObject {
+  public:
+    FirstPaint() : QObject(qApp) { qApp->installEventFilter(this); }
+
+  protected:
+    bool eventFilter(QObject* object, QEvent* event) override {
+        if (event->type() == QEvent::Paint && qobject_cast<QMainWindow*>(object)) {
+            qApp->removeEventFilter(this);
+            QTimer::singleShot(0, this, [] {
+                std::cout << '.' << std::flush;
+                Quit(0);
+            });
+        }
+        return false;
+    }
+};
+
+void Start(const Arguments&) {
+    new FirstPaint;
+    EspWin::Instance();
+}
+
+QMainWindow* BareWindow() {
+    auto* window = new QMainWindow;  // for as long as the process lasts
+    window->resize(512, 540);
+    return window;
+}
+
+void StartBare(const Arguments&) {
+    new FirstPaint;
+    BareWindow()->show();
+}
+
+// How much of the start is owed to the first text, whatever the window.
+void StartWord(const Arguments&) {
+    new FirstPaint;
+    auto* window = BareWindow();
+    window->setCentralWidget(new QLabel("Quillstone"));
+    window->show();
+}
+
+double PeakMebibytes() {
+    std::ifstream status("/proc/self/status");
+    for (std::string word; status >> word;)
+        if (word == "VmHWM:" && status >> word) return std::stod(word) / 1024;
+    return 0;
+}
+
+// What both sides of the flood measure while a text pane fills. A turn is what the event loop does
+// before it looks for new events: as a rule one handler, at times with the painting that it led to.
+class FloodWatch : public QObject {
+  public:
+    explicit FloodWatch(QPlainTextEdit& pane) : QObject(qApp), mPane(pane) {
+        connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::awake, this,
+                [this] { mHold = std::max(mHold, MicrosecondsOf(mTurn)); });
+        mIdle.start(1);  // so that no turn is long for lack of events
+        mTurn.start();
+        mClock.start();
+    }
+
+    // Once the pane holds all: the seconds that it took, the peak memory, the longest turn in
+    // milliseconds, the characters shown.
+    void Finish() {
+        mPane.viewport()->repaint();
+        std::cout << MicrosecondsOf(mClock) / 1e6 << ' ' << PeakMebibytes() << ' ' << mHold / 1000
+                  << ' ' << mPane.document()->characterCount() << std::endl;
+        Quit(0);
+    }
+
+  private:
+    QPlainTextEdit& mPane;
+    QTimer mIdle;
+    QElapsedTimer mTurn, mClock;
+    double mHold = 0;
+};
+
+// Runs a tool that prints the whole file, and notes in another where each piece of it ended.
+void Flood(const Arguments& arguments) {
+    const auto window = EspWin::Instance();
+    QApplication::processEvents();  // the window is painted first
+    auto* pane = static_cast<QPlainTextEdit*>(static_cast<QWidget*>(window->rEF().Native()));
+    auto* ends = new std::ofstream(arguments[1]);
+    auto* watch = new FloodWatch(*pane);
+    Shell& shell = window->esptool();
+    shell.DataAvailable = [=, handler = shell.DataAvailable](Shell& sender) {
+        handler(sender);
+        *ends << pane->document()->characterCount() << '\n';
+    };
+    shell.Completed = [=, handler = shell.Completed](Shell& sender) {
+        handler(sender);
+        watch->Finish();
+        *ends << pane->document()->characterCount() << '\n';
+        delete ends;
+    };
+    window->InstallEF().Text("cat " + arguments[0]);
+    window->StartPB_Action(window->StartPB());
+}
+
+// The same pieces, from the same file, into a text widget of the same size.
+void FloodBare(const Arguments& arguments) {
+    auto* window = BareWindow();
+    auto* pane = new QPlainTextEdit(window);
+    pane->setGeometry(0, 342, 512, 198);
+    pane->setReadOnly(true);
+    pane->setUndoRedoEnabled(false);
+    QFont font = pane->font();
+    font.setPixelSize(11);
+    pane->setFont(font);
+    window->show();
+    QApplication::processEvents();
+    pane->setPlainText("Wait....");
+
+    auto* watch = new FloodWatch(*pane);
+    auto* text = new QFile(QString::fromStdString(arguments[0]), qApp);
+    if (!text->open(QIODevice::ReadOnly)) return Quit(1);
+    auto* ends = new std::ifstream(arguments[1]);
+    auto* feed = new QTimer(qApp);
+    feed->callOnTimeout([=] {
+        qint64 end = 0;
+        if (!(*ends >> end)) {
+            feed->stop();
+            return watch->Finish();
+        }
+        QTextCursor cursor(pane->document());
+        cursor.movePosition(QTextCursor::End);
+        const QByteArray piece = text->read(end - pane->document()->characterCount());
+        cursor.insertText(QString::fromUtf8(piece));
+        pane->verticalScrollBar()->setValue(10000);
+    });
+    feed->start(0);
+}
+
+// Milliseconds from the run's start until the first line of a tool stands in the window.
+void FirstLine(const Arguments& arguments) {
+    const auto window = EspWin::Instance();
+    static QElapsedTimer clock;
+    window->esptool().DataAvailable = [=, handler = window->esptool().DataAvailable](Shell& s) {
+        handler(s);
+        std::cout << MicrosecondsOf(clock) / 1000 << std::endl;
+        Quit(0);
+    };
+    window->InstallEF().Text(arguments[0]);
+    clock.start();
+    window->StartPB_Action(window->StartPB());
+}
+
+// A folder with that many images and a setting file that names them.
+FolderItemRef MakeSetting(const FolderItemRef& folder, int images) {
+    const auto setting = folder->Child(std::to_string(images) + ".csv");
+    std::ofstream lines(setting->NativePath());
+    for (int i = 0; i < images; ++i) {
+        const std::string name = "image" + std::to_string(10000 + i) + ".bin";
+        std::ofstream(folder->Child(name)->NativePath()) << i;
+        lines << "up," << name << ",0x" << 10000 + i << "000\n";
+    }
+    return setting;
+}
+
+// With so many rows: microseconds of MakeCommand, and of one stat for each row.
+void Command(const Arguments& arguments) {
+    const auto window = EspWin::Instance();
+    const int rows = std::stoi(arguments[1]);
+    const auto folder = std::make_shared<const FolderItem>(arguments[0]);
+    window->SetInstallSetting(MakeSetting(folder, rows));
+    std::vector<std::string> paths;
+    for (int row = 0; row < rows; ++row) {
+        const Variant tag = window->ulb().CellTag(row, 0);
+        paths.push_back(std::any_cast<FolderItemRef>(tag)->NativePath());
+    }
+    std::vector<double> times[2];
+    for (int run = 0; run < 200; ++run) {
+        for (const int side : {run % 2, 1 - run % 2}) {  // whoever comes second has warm caches
+            QElapsedTimer clock;
+            clock.start();
+            struct stat unused {};
+            if (side == 0)
+                window->MakeCommand();
+            else
+                for (const std::string& path : paths) stat(path.c_str(), &unused);
+            times[side].push_back(MicrosecondsOf(clock));
+        }
+        QApplication::processEvents();  // the command is shown
+    }
+    std::cout << Median(times[0]) << ' ' << Median(times[1]) << std::endl;
+    Quit(0);
+}
+
+// Microseconds for each line of a file with 100 and of one with so many lines.
+void Setting(const Arguments& arguments) {
+    const auto window = EspWin::Instance();
+    const auto folder = std::make_shared<const FolderItem>(arguments[0]);
+    const int lines = std::stoi(arguments[1]);
+    const auto time = [&](int length) {
+        const auto setting = MakeSetting(folder, length);
+        window->SetInstallSetting(setting);
+        QApplication::processEvents();  // the list and the command are shown
+        QElapsedTimer clock;
+        clock.start();
+        window->SetInstallSetting(setting);
+        return MicrosecondsOf(clock) / length;
+    };
+    std::cout << time(lines) << ' ' << time(100) << std::endl;
+    Quit(0);
+}
+
+const std::map<std::string, void (*)(const Arguments&)> kModes = {
+    {"start", Start},     {"start-bare", StartBare}, {"start-word", StartWord},
+    {"flood", Flood},     {"flood-bare", FloodBare}, {"first-line", FirstLine},
+    {"command", Command}, {"setting", Setting},
+};
+
+}  // namespace
+
+int main(int count, char** words) {
+    const Arguments arguments(words + std::min(count, 2), words + count);
+    const auto mode = kModes.find(count > 1 ? words[1] : "");
+    if (mode == kModes.end()) return 2;
+    SetSupportsHiDPI(true);
+    FileTypes1::Initialize();
+    auto app = std::make_shared<App>();
+    app->MenuBar(MainMenuBar::Instance());
+    RegisterApplication(std::move(app));
+    InitializeFramework([&] { mode->second(arguments); });
+    RunEventLoop();
+    return EndFramework();
+}
