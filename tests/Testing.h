@@ -18,6 +18,15 @@
 #include "platform/FolderItem.h"
 #include "platform/System.h"
 
+// Shows both texts where they differ.
+template <>
+inline char* QTest::toString(const std::string& text) {
+    return qstrdup(text.c_str());
+}
+
+// A flash tool's script that shows its arguments.
+constexpr char kShowArguments[] = "for a; do printf '<%s>' \"$a\"; done";
+
 // A base folder of the test's own, removed with the object.
 class PreparedFolder {
   public:
@@ -25,10 +34,22 @@ class PreparedFolder {
         QDir().mkpath(mPath);
         SetBaseFolder(mPath.toStdString());
     }
-    ~PreparedFolder() { SetBaseFolder({}); }
+    ~PreparedFolder() {
+        SetBaseFolder({});
+        Ports({});
+    }
+
+    // The machine's serial ports for as long as the folder is there.
+    void Ports(const std::vector<std::string>& names) const {
+        System().PortNames = [names] { return names; };
+    }
 
     QString Path(const QString& relative = {}) const {
         return relative.isEmpty() ? mPath : mPath + '/' + relative;
+    }
+
+    FolderItemRef Item(const QString& relative) const {
+        return std::make_shared<const FolderItem>(Path(relative).toStdString());
     }
 
     // Folders on the way are made.

@@ -1,0 +1,40 @@
+// Plays the user of the program as it was built. The toolkit loads this plugin into the program
+// when the environment asks for it; QUILLSTONE_DRIVER holds the steps, separated by '|': keys,
+// "wait FILE" until it is there, "close" the window, "throw" out of an event.
+#include <QApplication>
+#include <QFile>
+#include <QGenericPlugin>
+#include <QTest>
+#include <QTimer>
+#include <stdexcept>
+
+class Driver : public QGenericPlugin {
+    Q_OBJECT
+    Q_PLUGIN_METADATA(IID QGenericPluginFactoryInterface_iid FILE "Driver.json")
+
+  public:
+    QObject* create(const QString&, const QString&) override {
+        auto* timer = new QTimer;
+        connect(timer, &QTimer::timeout, this, &Driver::Step);
+        timer->start(20);
+        return timer;
+    }
+
+  private:
+    void Step() {
+        QWidget* window = QApplication::activeWindow();
+        if (!window || mSteps.isEmpty()) return;
+        if (mSteps[0].startsWith("wait ") && !QFile::exists(mSteps[0].mid(5))) return;
+        const QString step = mSteps.takeFirst();
+        if (step == "throw") throw std::runtime_error("planted");
+        if (step == "close") window->close();
+        if (step == "close" || step.startsWith("wait ")) return;
+        const QKeyCombination keys = QKeySequence(step)[0];
+        QWidget* focus = QApplication::focusWidget();
+        QTest::keyClick(focus ? focus : window, keys.key(), keys.keyboardModifiers());
+    }
+
+    QStringList mSteps = qEnvironmentVariable("QUILLSTONE_DRIVER").split('|');
+};
+
+#include "Driver.moc"
