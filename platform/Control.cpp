@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QEvent>
 #include <QFont>
+#include <QKeyEvent>
 #include <QWidget>
 #include <algorithm>
 
@@ -23,6 +24,13 @@ QWidget* Neighbour(const QWidget& widget, QWidget* (QWidget::*step)() const) {
     return nullptr;
 }
 
+// The first of the two keys of Ctrl+., say, which stops a run and takes the focus nowhere.
+bool IsModifier(const QKeyEvent* event) {
+    const int key = event->key();
+    return key == Qt::Key_Control || key == Qt::Key_Shift || key == Qt::Key_Alt ||
+           key == Qt::Key_Meta;
+}
+
 constexpr auto kFocusLoan = "FocusLoan";
 
 // Child of a control that had the focus when it was disabled; ends with the user's next input.
@@ -35,7 +43,8 @@ class FocusLoan : public QObject {
 
   protected:
     bool eventFilter(QObject*, QEvent* event) override {
-        if (event->type() == QEvent::KeyPress || event->type() == QEvent::MouseButtonPress) {
+        if (event->type() == QEvent::MouseButtonPress ||
+            (event->type() == QEvent::KeyPress && !IsModifier(static_cast<QKeyEvent*>(event)))) {
             qApp->removeEventFilter(this);
             setObjectName({});
             deleteLater();

@@ -14,6 +14,7 @@
 #include "platform/Menu.h"
 #include "platform/Native.h"
 #include "platform/NativeMenu.h"
+#include "platform/PushButton.h"
 #include "platform/QtText.h"
 #include "platform/Text.h"
 
@@ -87,6 +88,9 @@ void Window::MaxHeight(int height) { mFrame->mMaximum.setHeight(height); }
 
 void Window::Show() {
     SetTabOrder();
+    // A control that stretches over a button that stays must not hide it.
+    for (const RectControl* control : VisualControls())
+        if (dynamic_cast<const PushButton*>(control) != nullptr) NativeWidget(*control)->raise();
     mFrame->ShowAtDesignSize();
     for (const auto& control : mControls) control->RaiseOpen();
     if (Open) Open();

@@ -111,6 +111,11 @@ class WindowTest : public QObject {
                     std::max(0, place.height() + (follows == 'g' ? higher : 0)));
                 QVERIFY2(Named(name)->geometry() == expected, name);
             }
+            // Neither goes behind the control that has grown over its place.
+            for (QWidget* button : {Named("StartPB"), Named("ScanBtn")}) {
+                const QPoint centre = button->geometry().center();
+                QVERIFY(size.width() < 512 || content->childAt(centre) == button);
+            }
         }
         opened.Widget<QTableView>("ulb")->selectRow(0);  // lights DeletePB up
         for (const auto& control : std::span(kControls).subspan(7)) {
