@@ -6,7 +6,6 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <set>
 #include <sstream>
 #include <string>
@@ -32,7 +31,9 @@ std::vector<Process> LivingProcesses() {
         const auto number = std::from_chars(name.data(), name.data() + name.size(), process.pid);
         if (number.ec != std::errc() || number.ptr != name.data() + name.size()) continue;
         std::ifstream file(entry->path() / "stat");
-        const std::string line{std::istreambuf_iterator<char>(file), {}};
+        std::string
+            line;  // though a name may hold line ends; empty where the process has just gone
+        std::getline(file, line, '\0');
         // "pid (name) state parent group session ...", where the name may hold anything.
         const auto afterName = line.rfind(')');
         if (afterName == line.npos) continue;
