@@ -10,21 +10,10 @@
 #include <filesystem>
 #include <fstream>
 
+#include "Device.h"
 #include "Testing.h"
 
 namespace {
-
-// The device's side of a port. Destroying it pulls the device out.
-struct Device {
-    Device() {
-        if (grantpt(fd) != 0 || unlockpt(fd) != 0) qFatal("no pseudo terminal");
-        name = std::string(ptsname(fd)).substr(kDevicePrefix.size());
-    }
-    ~Device() { close(fd); }
-
-    const int fd = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
-    std::string name;
-};
 
 struct Operated : OpenedWindow {
     explicit Operated(const std::vector<std::string>& ports = {}) {

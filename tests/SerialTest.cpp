@@ -8,22 +8,10 @@
 #include <QPushButton>
 #include <filesystem>
 
+#include "Device.h"
 #include "Testing.h"
 
 namespace {
-
-// The device's side of a port. Destroying it pulls the device out.
-struct Device {
-    Device() {
-        if (grantpt(fd) != 0 || unlockpt(fd) != 0) qFatal("no pseudo terminal");
-        path = ptsname(fd);
-        name = path.substr(kDevicePrefix.size());
-    }
-    ~Device() { close(fd); }
-
-    const int fd = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
-    std::string path, name;
-};
 
 auto OpenFiles() { return std::distance(std::filesystem::directory_iterator("/dev/fd"), {}); }
 
