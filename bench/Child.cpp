@@ -114,7 +114,7 @@ class FloodWatch : public QObject {
 void Flood(const Arguments& arguments) {
     const auto window = EspWin::Instance();
     QApplication::processEvents();  // the window is painted first
-    auto* pane = static_cast<QPlainTextEdit*>(static_cast<QWidget*>(window->rEF().Native()));
+    auto* pane = static_cast<QPlainTextEdit*>(window->rEF().Native());
     auto* ends = new std::ofstream(arguments[1]);
     auto* watch = new FloodWatch(*pane);
     Shell& shell = window->esptool();

@@ -6,12 +6,12 @@
 #include "platform/QtText.h"
 
 CheckBox::CheckBox(Window& owner, std::string name)
-    : RectControl(std::move(name), AsNative(new QCheckBox(ContentOf(owner)))) {
-    NativeWidget(*this)->setFocusPolicy(Qt::StrongFocus);
+    : RectControl(std::move(name), new QCheckBox(ContentOf(owner))) {
+    Native()->setFocusPolicy(Qt::StrongFocus);
 }
 
 void CheckBox::Caption(std::string_view caption) {
-    static_cast<QCheckBox*>(NativeWidget(*this))->setText(ToQt(caption));
+    static_cast<QCheckBox*>(Native())->setText(ToQt(caption));
 }
 
-bool CheckBox::Value() const { return static_cast<QCheckBox*>(NativeWidget(*this))->isChecked(); }
+bool CheckBox::Value() const { return static_cast<QCheckBox*>(Native())->isChecked(); }

@@ -7,7 +7,6 @@
 #include <QWidget>
 #include <algorithm>
 
-#include "platform/Native.h"
 #include "platform/QtText.h"
 
 namespace {
@@ -24,86 +23,74 @@ QWidget* Neighbour(const QWidget& widget, QWidget* (QWidget::*step)() const) {
     return nullptr;
 }
 
-// The first of the two keys of Ctrl+., say, which stops a run and takes the focus nowhere.
 bool IsModifier(const QKeyEvent* event) {
     const int key = event->key();
     return key == Qt::Key_Control || key == Qt::Key_Shift || key == Qt::Key_Alt ||
            key == Qt::Key_Meta;
 }
 
-constexpr auto kFocusLoan = "FocusLoan";
+}  // namespace
 
-// Child of a control that had the focus when it was disabled; ends with the user's next input.
-class FocusLoan : public QObject {
+// The focus of a control that was disabled while it had it. It comes back unless the user has
+// pressed a key or a mouse button meanwhile. A modifier key alone doesn't count: it may belong to
+// the keys that stop a run.
+class RectControl::FocusLoan : public QObject {
   public:
-    explicit FocusLoan(QWidget& lender) : QObject(&lender) {
-        setObjectName(kFocusLoan);
-        qApp->installEventFilter(this);
-    }
+    FocusLoan() { qApp->installEventFilter(this); }
+
+    bool ComesBack() const { return mComesBack; }
 
   protected:
     bool eventFilter(QObject*, QEvent* event) override {
         if (event->type() == QEvent::MouseButtonPress ||
-            (event->type() == QEvent::KeyPress && !IsModifier(static_cast<QKeyEvent*>(event)))) {
-            qApp->removeEventFilter(this);
-            setObjectName({});
-            deleteLater();
-        }
+            (event->type() == QEvent::KeyPress && !IsModifier(static_cast<QKeyEvent*>(event))))
+            mComesBack = false;
         return false;
     }
+
+  private:
+    bool mComesBack = true;
 };
 
-}  // namespace
-
-void* AsNative(QWidget* widget) { return widget; }
-
-QWidget* NativeWidget(const RectControl& control) {
-    return static_cast<QWidget*>(control.Native());
-}
-
-RectControl::RectControl(std::string name, NativeHandle native)
+RectControl::RectControl(std::string name, QWidget* native)
     : Control(std::move(name)), mNative(native) {
-    NativeWidget(*this)->setObjectName(ToQt(Name()));
+    mNative->setObjectName(ToQt(Name()));
 }
 
-RectControl::~RectControl() { delete NativeWidget(*this); }
+RectControl::~RectControl() { delete mNative; }
 
-bool RectControl::Enabled() const { return NativeWidget(*this)->isEnabled(); }
+bool RectControl::Enabled() const { return mNative->isEnabled(); }
 
 void RectControl::Enabled(bool enabled) {
-    QWidget* widget = NativeWidget(*this);
-    if (!enabled && widget->window()->focusWidget() == widget) {
-        QWidget* heir = Neighbour(*widget, &QWidget::previousInFocusChain);
-        if (heir == nullptr) heir = Neighbour(*widget, &QWidget::nextInFocusChain);
+    if (!enabled && mNative->window()->focusWidget() == mNative) {
+        QWidget* heir = Neighbour(*mNative, &QWidget::previousInFocusChain);
+        if (heir == nullptr) heir = Neighbour(*mNative, &QWidget::nextInFocusChain);
         if (heir != nullptr) heir->setFocus();
-        new FocusLoan(*widget);  // the widget owns it
+        mFocusLoan = std::make_unique<FocusLoan>();
     }
-    widget->setEnabled(enabled);
-    if (auto* loan = widget->findChild<QObject*>(kFocusLoan); loan != nullptr && enabled) {
-        delete loan;
-        widget->setFocus();
+    mNative->setEnabled(enabled);
+    if (enabled && mFocusLoan) {
+        if (mFocusLoan->ComesBack()) mNative->setFocus();
+        mFocusLoan.reset();
     }
 }
 
 void RectControl::Place(const ControlPlace& place) {
     mPlace = place;
-    QFont font = NativeWidget(*this)->font();
+    QFont font = mNative->font();
     font.setPixelSize(place.TextSize);
-    NativeWidget(*this)->setFont(font);
+    mNative->setFont(font);
     FollowWindow(0, 0);
 }
 
-void RectControl::AccessibleName(std::string_view name) {
-    NativeWidget(*this)->setAccessibleName(ToQt(name));
-}
+void RectControl::AccessibleName(std::string_view name) { mNative->setAccessibleName(ToQt(name)); }
 
 void RectControl::FollowWindow(int grownWidth, int grownHeight) {
     const auto stretch = [](bool near, bool far, int grown) { return near && far ? grown : 0; };
     const auto move = [](bool near, bool far, int grown) { return far && !near ? grown : 0; };
     const ControlPlace& p = mPlace;
-    NativeWidget(*this)->setGeometry(
-        p.Left + move(p.LockLeft, p.LockRight, grownWidth),
-        p.Top + move(p.LockTop, p.LockBottom, grownHeight),
-        std::max(0, p.Width + stretch(p.LockLeft, p.LockRight, grownWidth)),
-        std::max(0, p.Height + stretch(p.LockTop, p.LockBottom, grownHeight)));
+    mNative->setGeometry(p.Left + move(p.LockLeft, p.LockRight, grownWidth),
+                         p.Top + move(p.LockTop, p.LockBottom, grownHeight),
+                         std::max(0, p.Width + stretch(p.LockLeft, p.LockRight, grownWidth)),
+                         std::max(0, p.Height + stretch(p.LockTop, p.LockBottom, grownHeight)));
 }

@@ -1,12 +1,16 @@
-// The base of all controls. A control belongs to its window, which destroys it; it owns the
-// toolkit's widget behind it.
+// The base of all controls. A control belongs to its window, which destroys it; it owns the Qt
+// widget behind it.
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
+class QWidget;
 class Window;
 
 class Control {
@@ -21,8 +25,22 @@ class Control {
     // Raises the control's Open event, where it has one. Called once, by the window.
     virtual void RaiseOpen() {}
 
+    // From now on the control raises no event. A window detaches all of its controls before it
+    // destroys the first of them.
+    void DetachHandlers() { mDetached = true; }
+
+  protected:
+    // Runs an event's handler, where there is one, and returns its result.
+    template <class Result, class Sender, class... Arguments>
+    Result Raise(const std::function<Result(Sender&, Arguments...)>& handler,
+                 std::type_identity_t<Arguments>... arguments) {
+        if (mDetached || !handler) return Result();
+        return handler(static_cast<Sender&>(*this), arguments...);
+    }
+
   private:
     std::string mName;
+    bool mDetached = false;
 };
 
 // Design-time place of a control. Lengths are device-independent pixels from the top left corner
@@ -54,13 +72,16 @@ class RectControl : public Control {
     // The control's place once the content has grown by so much from its design size.
     void FollowWindow(int grownWidth, int grownHeight);
 
-    using NativeHandle = void*;  // the toolkit's widget
-    NativeHandle Native() const { return mNative; }
+    QWidget* Native() const { return mNative; }
 
   protected:
-    RectControl(std::string name, NativeHandle native);
+    // Takes the widget over.
+    RectControl(std::string name, QWidget* native);
 
   private:
-    NativeHandle mNative;
+    class FocusLoan;
+
+    QWidget* mNative;
+    std::unique_ptr<FocusLoan> mFocusLoan;  // while disabled, if the control had the focus
     ControlPlace mPlace{};
 };

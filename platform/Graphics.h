@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+class QPainter;
+
 // 0xRRGGBB.
 using Color = std::uint32_t;
 
@@ -9,8 +11,8 @@ using Color = std::uint32_t;
 // top left corner; nothing is drawn outside the cell.
 class Graphics {
   public:
-    using NativeHandle = void*;  // the toolkit's painter, with its origin at the corner
-    Graphics(NativeHandle painter, std::int64_t width, std::int64_t height)
+    // The painter's origin is the cell's corner.
+    Graphics(QPainter* painter, std::int64_t width, std::int64_t height)
         : mPainter(painter), mWidth(width), mHeight(height) {}
 
     void ForeColor(Color color) { mForeColor = color; }
@@ -19,7 +21,7 @@ class Graphics {
     void FillRect(std::int64_t left, std::int64_t top, std::int64_t width, std::int64_t height);
 
   private:
-    NativeHandle mPainter;
+    QPainter* mPainter;
     std::int64_t mWidth, mHeight;
     Color mForeColor = 0;
 };

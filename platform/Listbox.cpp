@@ -90,7 +90,7 @@ class Listbox::Rows : public QAbstractTableModel {
         if (text == cell.text) return true;
         cell.text = std::move(text);
         Changed(index.row(), index.column());
-        if (mList.CellTextChange) mList.CellTextChange(mList, index.row(), index.column());
+        mList.Raise(mList.CellTextChange, index.row(), index.column());
         return true;
     }
 
@@ -155,7 +155,7 @@ class Listbox::View : public QTableView {
 
     void mouseDoubleClickEvent(QMouseEvent* event) override {
         QTableView::mouseDoubleClickEvent(event);
-        if (event->button() == Qt::LeftButton && mList.DoubleClick) mList.DoubleClick(mList);
+        if (event->button() == Qt::LeftButton) mList.Raise(mList.DoubleClick);
     }
 
     void changeEvent(QEvent* event) override {
@@ -212,8 +212,7 @@ class Listbox::Painter : public QStyledItemDelegate {
         painter->translate(cell.topLeft());
         Graphics graphics(painter, cell.width(), cell.height());
         const bool claimed =
-            mList.CellBackgroundPaint &&
-            mList.CellBackgroundPaint(mList, graphics, index.row(), index.column());
+            mList.Raise(mList.CellBackgroundPaint, graphics, index.row(), index.column());
         painter->restore();
         if (claimed) return;
 
@@ -275,7 +274,7 @@ class Listbox::Painter : public QStyledItemDelegate {
 
 Listbox::Listbox(Window& owner, std::string name, const std::vector<std::string>& headings,
                  int fixedWidth)
-    : RectControl(std::move(name), AsNative(new View(*this, ContentOf(owner)))),
+    : RectControl(std::move(name), new View(*this, ContentOf(owner))),
       mRows(std::make_unique<Rows>(*this, headings)),
       mPainter(std::make_unique<Painter>(*this)) {
     View& view = ListView();
@@ -283,18 +282,14 @@ Listbox::Listbox(Window& owner, std::string name, const std::vector<std::string>
     view.setItemDelegate(mPainter.get());
     view.SetColumns(fixedWidth);
     QObject::connect(view.selectionModel(), &QItemSelectionModel::selectionChanged, &view, [this] {
-        if (!mClearing && Change) Change(*this);
+        if (!mClearing) Raise(Change);
     });
 }
 
-// The view goes first: it is still looking at the rows. An edit that is open commits as its editor
-// goes, when there is no window any more to hear of it.
-Listbox::~Listbox() {
-    CellTextChange = nullptr;
-    ListView().setModel(nullptr);
-}
+// The view outlives the model, so it has to let go of it first. An open edit commits at that.
+Listbox::~Listbox() { ListView().setModel(nullptr); }
 
-Listbox::View& Listbox::ListView() const { return static_cast<View&>(*NativeWidget(*this)); }
+Listbox::View& Listbox::ListView() const { return static_cast<View&>(*Native()); }
 
 std::string Listbox::Cell(std::int64_t row, std::int64_t column) const {
     const auto* cell = mRows->At(row, column);
@@ -338,16 +333,14 @@ void Listbox::RemoveRow(std::int64_t row) {
     const bool selected = ListIndex() >= 0;
     ClearSelection();
     mRows->Remove(row);
-    if (selected && Change) Change(*this);
+    if (selected) Raise(Change);
 }
 
 void Listbox::DeleteAllRows() {
     const bool selected = ListIndex() >= 0;
     ClearSelection();
     mRows->Clear();
-    if (selected && Change) Change(*this);
+    if (selected) Raise(Change);
 }
 
-void Listbox::RaiseOpen() {
-    if (Open) Open(*this);
-}
+void Listbox::RaiseOpen() { Raise(Open); }

@@ -8,18 +8,16 @@
 
 namespace {
 
-QComboBox* Combo(const PopupMenu& popup) { return static_cast<QComboBox*>(NativeWidget(popup)); }
+QComboBox* Combo(const PopupMenu& popup) { return static_cast<QComboBox*>(popup.Native()); }
 
 }  // namespace
 
 PopupMenu::PopupMenu(Window& owner, std::string name)
-    : RectControl(std::move(name), AsNative(new QComboBox(ContentOf(owner)))) {
+    : RectControl(std::move(name), new QComboBox(ContentOf(owner))) {
     QComboBox* combo = Combo(*this);
     combo->setFocusPolicy(Qt::StrongFocus);
     combo->setMinimumSize(0, 0);
-    QObject::connect(combo, &QComboBox::currentIndexChanged, combo, [this] {
-        if (Change) Change(*this);
-    });
+    QObject::connect(combo, &QComboBox::currentIndexChanged, combo, [this] { Raise(Change); });
 }
 
 void PopupMenu::AddRow(std::string_view text) {
@@ -35,7 +33,7 @@ void PopupMenu::DeleteAllRows() {
         const QSignalBlocker quiet(Combo(*this));
         Combo(*this)->clear();
     }
-    if (selected && Change) Change(*this);
+    if (selected) Raise(Change);
 }
 
 std::string PopupMenu::List(std::int64_t row) const {
@@ -51,11 +49,9 @@ void PopupMenu::ListIndex(std::int64_t row) {
         const QSignalBlocker quiet(Combo(*this));
         Combo(*this)->setCurrentIndex(row >= 0 && row < ListCount() ? static_cast<int>(row) : -1);
     }
-    if (Change) Change(*this);
+    Raise(Change);
 }
 
 std::string PopupMenu::Text() const { return FromQt(Combo(*this)->currentText()); }
 
-void PopupMenu::RaiseOpen() {
-    if (Open) Open(*this);
-}
+void PopupMenu::RaiseOpen() { Raise(Open); }

@@ -33,9 +33,8 @@ void AddSoftwareFlowControl(int descriptor) {
 class Serial::Port : public QSerialPort {
   public:
     explicit Port(Serial& serial) {
-        connect(this, &QSerialPort::readyRead, this, [&serial] {
-            if (serial.DataAvailable) serial.DataAvailable(serial);
-        });
+        connect(this, &QSerialPort::readyRead, this,
+                [&serial] { serial.Raise(serial.DataAvailable); });
     }
 
     bool OpenWith(const Settings& settings) {

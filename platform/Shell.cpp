@@ -165,8 +165,8 @@ class Shell::Run : public QObject {
 
     void Pass(const std::string& portion) {
         mShell.mOutput += portion;
-        if (!portion.empty() && CompleteLength(mShell.mOutput) > 0 && mShell.DataAvailable)
-            mShell.DataAvailable(mShell);
+        if (!portion.empty() && CompleteLength(mShell.mOutput) > 0)
+            mShell.Raise(mShell.DataAvailable);
     }
 
     // The command has ended. After a stop the run isn't over before its other processes are.
@@ -195,7 +195,7 @@ class Shell::Run : public QObject {
         shell.mRun.release()->deleteLater();  // this object is still at work
         HangUp();
         mSession.reset();  // what ignores the hang-up goes its own way
-        if (shell.Completed) shell.Completed(shell);
+        shell.Raise(shell.Completed);
     }
 
     Shell& mShell;

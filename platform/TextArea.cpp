@@ -33,7 +33,7 @@ struct TextArea::State : public QPlainTextEdit {
             mIsExact = false;
             mShown = true;
             mExact = {};
-            if (mArea.TextChange) mArea.TextChange(mArea);
+            mArea.Raise(mArea.TextChange);
         });
     }
 
@@ -150,13 +150,13 @@ TextArea::TextArea(Window& owner, std::string name)
     : TextArea(std::move(name), new State(*this, ContentOf(owner))) {}
 
 TextArea::TextArea(std::string name, State* state)
-    : TextEdit(std::move(name), AsNative(state)), mState(state) {}
+    : TextEdit(std::move(name), state), mState(state) {}
 
 std::string TextArea::Text() const { return mState->Read(); }
 
 void TextArea::Text(std::string_view text) {
     mState->SetExact(text);
-    if (TextChange) TextChange(*this);
+    Raise(TextChange);
 }
 
 void TextArea::ReadOnly(bool readOnly) {
@@ -170,7 +170,7 @@ void TextArea::ReadOnly(bool readOnly) {
 
 void TextArea::AppendText(std::string_view text) {
     if (!text.empty()) mState->Append(ToQt(text));
-    if (TextChange) TextChange(*this);
+    Raise(TextChange);
 }
 
 void TextArea::ScrollPosition(std::int64_t line) {

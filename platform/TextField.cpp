@@ -8,17 +8,16 @@
 
 namespace {
 
-QLineEdit* Line(const TextField& field) { return static_cast<QLineEdit*>(NativeWidget(field)); }
+QLineEdit* Line(const TextField& field) { return static_cast<QLineEdit*>(field.Native()); }
 
 }  // namespace
 
 TextField::TextField(Window& owner, std::string name)
-    : TextEdit(std::move(name), AsNative(new QLineEdit(ContentOf(owner)))) {
+    : TextEdit(std::move(name), new QLineEdit(ContentOf(owner))) {
     // Whatever a line of a file gives fits in.
     Line(*this)->setMaxLength(static_cast<int>(TextInputStream::kLongestLine));
-    QObject::connect(Line(*this), &QLineEdit::textChanged, Line(*this), [this] {
-        if (TextChange) TextChange(*this);
-    });
+    QObject::connect(Line(*this), &QLineEdit::textChanged, Line(*this),
+                     [this] { Raise(TextChange); });
 }
 
 std::string TextField::Text() const { return FromQt(Line(*this)->text()); }
@@ -28,7 +27,7 @@ void TextField::Text(std::string_view text) {
         const QSignalBlocker quiet(Line(*this));
         Line(*this)->setText(ToQt(text));
     }
-    if (TextChange) TextChange(*this);
+    Raise(TextChange);
 }
 
 void TextField::ReadOnly(bool readOnly) { Line(*this)->setReadOnly(readOnly); }

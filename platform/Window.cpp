@@ -76,7 +76,9 @@ QWidget* ContentOf(Window& window) { return window.mFrame->ContentWidget(); }
 
 Window::Window() : mFrame(std::make_unique<Frame>(*this)) {}
 
-Window::~Window() = default;
+Window::~Window() {
+    for (const auto& control : mControls) control->DetachHandlers();
+}
 
 void Window::Title(std::string_view title) { mFrame->setWindowTitle(ToQt(title)); }
 void Window::Width(int width) { mFrame->mDesign.setWidth(width); }
@@ -90,7 +92,7 @@ void Window::Show() {
     SetTabOrder();
     // A control that stretches over a button that stays must not hide it.
     for (const RectControl* control : VisualControls())
-        if (dynamic_cast<const PushButton*>(control) != nullptr) NativeWidget(*control)->raise();
+        if (dynamic_cast<const PushButton*>(control) != nullptr) control->Native()->raise();
     mFrame->ShowAtDesignSize();
     for (const auto& control : mControls) control->RaiseOpen();
     if (Open) Open();
@@ -123,7 +125,7 @@ void Window::SetTabOrder() const {
     std::stable_sort(controls.begin(), controls.end(),
                      [](RectControl* a, RectControl* b) { return a->TabIndex() < b->TabIndex(); });
     for (std::size_t i = 1; i < controls.size(); ++i)
-        QWidget::setTabOrder(NativeWidget(*controls[i - 1]), NativeWidget(*controls[i]));
+        QWidget::setTabOrder(controls[i - 1]->Native(), controls[i]->Native());
 }
 
 namespace {
