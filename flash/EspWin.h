@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -30,37 +31,37 @@ class EspWin : public Window {
     void CreateControls();
 
     // Each control, by its name, in the order of creation.
-    PopupMenu& tooltypePM() const;
-    Label& Label1() const;
-    PushButton& StartPB() const;
-    TextArea& rEF() const;
-    TextArea& UploadEF() const;
-    Label& Label2() const;
-    Label& Label3() const;
-    PushButton& SelectPB() const;
-    Shell& esptool() const;
-    TextArea& EspToolEF() const;
-    Label& Label5() const;
-    PopupMenu& BaudPM() const;
-    PopupMenu& BitsPM() const;
-    PushButton& ConnectPB() const;
-    CheckBox& CtsCB() const;
-    CheckBox& DtrCB() const;
-    PopupMenu& ParityPM() const;
-    PopupMenu& PortPM() const;
-    PushButton& ScanBtn() const;
-    PopupMenu& StopPM() const;
-    CheckBox& XonCB() const;
-    Label& Label7() const;
-    TextField& ResetEF() const;
-    Serial& MySerial() const;
-    Label& Label9() const;
-    TextArea& InstallEF() const;
-    PushButton& SelectESPPB() const;
-    Label& Label8() const;
-    Listbox& ulb() const;
-    PushButton& DeletePB() const;
-    TextField& AddressEF() const;
+    PopupMenu& tooltypePM() const { return ControlNamed<PopupMenu>("tooltypePM"); }
+    Label& Label1() const { return ControlNamed<Label>("Label1"); }
+    PushButton& StartPB() const { return ControlNamed<PushButton>("StartPB"); }
+    TextArea& rEF() const { return ControlNamed<TextArea>("rEF"); }
+    TextArea& UploadEF() const { return ControlNamed<TextArea>("UploadEF"); }
+    Label& Label2() const { return ControlNamed<Label>("Label2"); }
+    Label& Label3() const { return ControlNamed<Label>("Label3"); }
+    PushButton& SelectPB() const { return ControlNamed<PushButton>("SelectPB"); }
+    Shell& esptool() const { return ControlNamed<Shell>("esptool"); }
+    TextArea& EspToolEF() const { return ControlNamed<TextArea>("EspToolEF"); }
+    Label& Label5() const { return ControlNamed<Label>("Label5"); }
+    PopupMenu& BaudPM() const { return ControlNamed<PopupMenu>("BaudPM"); }
+    PopupMenu& BitsPM() const { return ControlNamed<PopupMenu>("BitsPM"); }
+    PushButton& ConnectPB() const { return ControlNamed<PushButton>("ConnectPB"); }
+    CheckBox& CtsCB() const { return ControlNamed<CheckBox>("CtsCB"); }
+    CheckBox& DtrCB() const { return ControlNamed<CheckBox>("DtrCB"); }
+    PopupMenu& ParityPM() const { return ControlNamed<PopupMenu>("ParityPM"); }
+    PopupMenu& PortPM() const { return ControlNamed<PopupMenu>("PortPM"); }
+    PushButton& ScanBtn() const { return ControlNamed<PushButton>("ScanBtn"); }
+    PopupMenu& StopPM() const { return ControlNamed<PopupMenu>("StopPM"); }
+    CheckBox& XonCB() const { return ControlNamed<CheckBox>("XonCB"); }
+    Label& Label7() const { return ControlNamed<Label>("Label7"); }
+    TextField& ResetEF() const { return ControlNamed<TextField>("ResetEF"); }
+    Serial& MySerial() const { return ControlNamed<Serial>("MySerial"); }
+    Label& Label9() const { return ControlNamed<Label>("Label9"); }
+    TextArea& InstallEF() const { return ControlNamed<TextArea>("InstallEF"); }
+    PushButton& SelectESPPB() const { return ControlNamed<PushButton>("SelectESPPB"); }
+    Label& Label8() const { return ControlNamed<Label>("Label8"); }
+    Listbox& ulb() const { return ControlNamed<Listbox>("ulb"); }
+    PushButton& DeletePB() const { return ControlNamed<PushButton>("DeletePB"); }
+    TextField& AddressEF() const { return ControlNamed<TextField>("AddressEF"); }
 
     // flash/: the tool, the command, the run, the search at the start.
     void tooltypePM_Change(PopupMenu& sender);
@@ -73,6 +74,7 @@ class EspWin : public Window {
     void Event_Open();
     void Event_Close();
     void MakeCommand();
+    void ResetEF_TextChange(TextField& sender);
 
     // upload/: the images and where they come from.
     void UploadEF_TextChange(TextArea& sender);
@@ -96,7 +98,6 @@ class EspWin : public Window {
     void PortPM_Change(PopupMenu& sender);
     void PortPM_Open(PopupMenu& sender);
     void ScanBtn_Action(PushButton& sender);
-    void ResetEF_TextChange(TextField& sender);
     void MySerial_DataAvailable(Serial& sender);
     void DoConnect(std::string port);
     bool RbPortOpen(const std::string& port);
@@ -105,9 +106,10 @@ class EspWin : public Window {
     void MemoPortInfo(const std::string& port);
     void MakeSerialPortPopupMenu();
 
-    // Whether the terminal was connected when the last run began.
+    // Whether the connection was open when the last run began.
     bool termConnected = false;
-    // The three that no tool type fills yet: "esptool.py" has no options of its own.
+    // mEspToolPy and mEspToolCk are the tools of the two tool types, and mEspTool is the one in
+    // use. Nothing gives the first two a value yet.
     std::string mEspToolPy;
     std::string mEspTool;
     bool mConnected = false;
@@ -127,9 +129,9 @@ class EspWin : public Window {
     FolderItemRef mEspToolApp;
 
   private:
-    void CreateInOrder();
-    void SetStartValues();
-    void PlaceControls();
-    void NameForScreenReaders();
-    void AttachHandlers();
+    // An event's handler: that method of this window.
+    template <class Result, class... Arguments>
+    std::function<Result(Arguments...)> On(Result (EspWin::*method)(Arguments...)) {
+        return [this, method](Arguments... arguments) { return (this->*method)(arguments...); };
+    }
 };

@@ -36,3 +36,5 @@ void EspWin::MakeCommand() {
     }
     InstallEF().Text(command);
 }
+
+void EspWin::ResetEF_TextChange(TextField&) { MakeCommand(); }

@@ -1,12 +1,21 @@
-// The window's content, in the order of creation.
+// The window's content: one paragraph for each control, in the order of creation. A place is left,
+// top, width, height, locks, tab index and text size. Eleven controls stand above or left of the
+// window for good; they are in the tab order all the same, and several of them keep settings.
 #include <initializer_list>
 #include <string_view>
-#include <vector>
 
 #include "flash/EspWin.h"
 #include "frame/Module1.h"
 
 namespace {
+
+constexpr Locks kNone{};
+constexpr Locks kRight{.Right = true};
+constexpr Locks kLeftTop{.Left = true, .Top = true};
+constexpr Locks kTopRight{.Top = true, .Right = true};
+constexpr Locks kLeftRight{.Left = true, .Right = true};
+constexpr Locks kLeftTopRight{.Left = true, .Top = true, .Right = true};
+constexpr Locks kAllSides{.Left = true, .Top = true, .Right = true, .Bottom = true};
 
 void Fill(PopupMenu& popup, std::initializer_list<std::string_view> rows, std::int64_t selected) {
     for (const std::string_view row : rows) popup.AddRow(row);
@@ -15,108 +24,150 @@ void Fill(PopupMenu& popup, std::initializer_list<std::string_view> rows, std::i
 
 }  // namespace
 
-// Handlers come last: setting the start values runs none.
+// A control's handlers come last in its paragraph: setting the start values runs none.
 void EspWin::CreateControls() {
-    CreateInOrder();
-    SetStartValues();
-    PlaceControls();
-    NameForScreenReaders();
-    AttachHandlers();
-}
+    auto& toolType = Add<PopupMenu>("tooltypePM", {30, -143, 107, 20, kLeftTop, 0, 11});
+    toolType.AccessibleName("Tool type");
+    Fill(toolType, {"esptool.py", "esptool-ck"}, 0);
+    toolType.Change = On(&EspWin::tooltypePM_Change);
+    toolType.Open = On(&EspWin::tooltypePM_Open);
 
-void EspWin::CreateInOrder() {
-    Add<PopupMenu>("tooltypePM");
-    Add<Label>("Label1");
-    Add<PushButton>("StartPB");
-    Add<TextArea>("rEF");
-    Add<TextArea>("UploadEF");
-    Add<Label>("Label2");
-    Add<Label>("Label3");
-    Add<PushButton>("SelectPB");
-    Add<Shell>("esptool");
-    Add<TextArea>("EspToolEF");
-    Add<Label>("Label5");
-    Add<PopupMenu>("BaudPM");
-    Add<PopupMenu>("BitsPM");
-    Add<PushButton>("ConnectPB");
-    Add<CheckBox>("CtsCB");
-    Add<CheckBox>("DtrCB");
-    Add<PopupMenu>("ParityPM");
-    Add<PopupMenu>("PortPM");
-    Add<PushButton>("ScanBtn");
-    Add<PopupMenu>("StopPM");
-    Add<CheckBox>("XonCB");
-    Add<Label>("Label7");
-    Add<TextField>("ResetEF");
-    Add<Serial>("MySerial");
-    Add<Label>("Label9");
-    Add<TextArea>("InstallEF");
-    Add<PushButton>("SelectESPPB");
-    Add<Label>("Label8");
-    Add<Listbox>("ulb", std::vector<std::string>{"File (-cf)", "Address(-ca)"}, 100);
-    Add<PushButton>("DeletePB");
-    Add<TextField>("AddressEF");
-}
+    auto& toolLabel = Add<Label>("Label1", {0, 7, 75, 20, kLeftTop, 1, 11});
+    toolLabel.Text("ESP Tool: ");
 
-void EspWin::SetStartValues() {
-    Label1().Text("ESP Tool: ");
-    Label2().Text("Port (-cp): ");
-    Label3().Text("Upload: ");
-    Label5().Text("Install: ");
-    Label7().Text("Reset (-cd): ");
-    Label8().Text("Address (-ca): ");
-    Label9().Text("Speed (-cb): ");
+    auto& start = Add<PushButton>("StartPB", {422, 290, 80, 20, kLeftTop, 2, 11});
+    start.Caption("Start");
+    start.Action = On(&EspWin::StartPB_Action);
 
-    StartPB().Caption("Start");
-    SelectPB().Caption(Module1::kSelect(""));
-    ConnectPB().Caption(Module1::kConnect(""));
-    ScanBtn().Caption(Module1::kScan(""));
-    SelectESPPB().Caption(Module1::kSelect(""));
-    DeletePB().Caption(Module1::kDelete(""));
-    DeletePB().Enabled(false);
-    CtsCB().Caption("CTS");
-    DtrCB().Caption("DTR");
-    XonCB().Caption("XON");
+    auto& output = Add<TextArea>("rEF", {0, 322, 512, 198, kAllSides, 3, 11});
+    output.AccessibleName("Output of the flash tool");
+    output.Text("Install ....");
+    output.ReadOnly(true);
 
-    rEF().Text("Install ....");
-    rEF().ReadOnly(true);
-    UploadEF().ReadOnly(true);
-    EspToolEF().Text("esptool");
-    ResetEF().Text("ck");
-    AddressEF().Text("0x00000000");
+    auto& uploadFile = Add<TextArea>("UploadEF", {20, -77, 334, 45, kLeftTopRight, 4, 11});
+    uploadFile.AccessibleName("Upload file");
+    uploadFile.ReadOnly(true);
+    uploadFile.TextChange = On(&EspWin::UploadEF_TextChange);
 
-    Fill(tooltypePM(), {"esptool.py", "esptool-ck"}, 0);
-    Fill(BaudPM(),
+    auto& portLabel = Add<Label>("Label2", {0, 56, 75, 20, kLeftTop, 5, 11});
+    portLabel.Text("Port (-cp): ");
+
+    auto& uploadLabel = Add<Label>("Label3", {0, 134, 75, 20, kLeftTop, 6, 11});
+    uploadLabel.Text("Upload: ");
+
+    auto& selectUpload = Add<PushButton>("SelectPB", {422, 179, 80, 20, kTopRight, 8, 11});
+    selectUpload.AccessibleName("Select upload file");
+    selectUpload.Caption(Module1::kSelect(""));
+    selectUpload.Action = On(&EspWin::SelectPB_Action);
+
+    auto& shell = Add<Shell>("esptool");
+    shell.Completed = On(&EspWin::esptool_Completed);
+    shell.DataAvailable = On(&EspWin::esptool_DataAvailable);
+
+    auto& tool = Add<TextArea>("EspToolEF", {80, 7, 334, 45, kLeftTopRight, 10, 11});
+    tool.AccessibleName("ESP tool");
+    tool.Text("esptool");
+    tool.TextChange = On(&EspWin::EspToolEF_TextChange);
+
+    auto& commandLabel = Add<Label>("Label5", {0, 208, 75, 20, kLeftTop, 11, 11});
+    commandLabel.Text("Install: ");
+
+    auto& speed = Add<PopupMenu>("BaudPM", {80, 82, 80, 20, kTopRight, 12, 10});
+    speed.AccessibleName("Speed (-cb)");
+    Fill(speed,
          {"2400", "4800", "7200", "9600", "14400", "19200", "28800", "38400", "57600", "76800",
           "115200", "230400", "460800", "921600"},
          10);
-    Fill(BitsPM(), {"5", "6", "7", "8"}, 3);
-    Fill(ParityPM(), {"No", "Odd", "Even"}, 0);
-    Fill(PortPM(), {}, 0);
-    Fill(StopPM(), {"1", "1.5", "2"}, 0);
-    ulb().AddRow({"", "0x00000000"});
-}
+    speed.Open = On(&EspWin::BaudPM_Open);
+    speed.Change = On(&EspWin::BaudPM_Change);
 
-// In the words of the labels. The two Select buttons show the same caption.
-void EspWin::NameForScreenReaders() {
-    tooltypePM().AccessibleName("Tool type");
-    rEF().AccessibleName("Output of the flash tool");
-    UploadEF().AccessibleName("Upload file");
-    SelectPB().AccessibleName("Select upload file");
-    EspToolEF().AccessibleName("ESP tool");
-    BaudPM().AccessibleName("Speed (-cb)");
-    BitsPM().AccessibleName("Data bits");
-    CtsCB().AccessibleName("CTS flow control");
-    DtrCB().AccessibleName("DTR flow control");
-    ParityPM().AccessibleName("Parity");
-    PortPM().AccessibleName("Port (-cp)");
-    ScanBtn().AccessibleName("Scan for ports");
-    StopPM().AccessibleName("Stop bits");
-    XonCB().AccessibleName("XON flow control");
-    ResetEF().AccessibleName("Reset (-cd)");
-    InstallEF().AccessibleName("Install command");
-    SelectESPPB().AccessibleName("Select ESP tool");
-    ulb().AccessibleName("Upload files and addresses");
-    DeletePB().AccessibleName("Delete upload file");
-    AddressEF().AccessibleName("Address (-ca)");
+    auto& dataBits = Add<PopupMenu>("BitsPM", {262, -109, 50, 20, kNone, 13, 10});
+    dataBits.AccessibleName("Data bits");
+    Fill(dataBits, {"5", "6", "7", "8"}, 3);
+
+    auto& connect = Add<PushButton>("ConnectPB", {350, -143, 80, 20, kRight, 14, 11});
+    connect.Caption(Module1::kConnect(""));
+    connect.Action = On(&EspWin::ConnectPB_Action);
+
+    auto& cts = Add<CheckBox>("CtsCB", {443, -123, 50, 20, kRight, 15, 10});
+    cts.AccessibleName("CTS flow control");
+    cts.Caption("CTS");
+
+    auto& dtr = Add<CheckBox>("DtrCB", {443, -103, 50, 20, kRight, 16, 10});
+    dtr.AccessibleName("DTR flow control");
+    dtr.Caption("DTR");
+
+    auto& parity = Add<PopupMenu>("ParityPM", {317, -109, 50, 20, kNone, 17, 10});
+    parity.AccessibleName("Parity");
+    Fill(parity, {"No", "Odd", "Even"}, 0);
+
+    auto& port = Add<PopupMenu>("PortPM", {80, 56, 331, 20, kLeftRight, 18, 11});
+    port.AccessibleName("Port (-cp)");
+    Fill(port, {}, 0);
+    port.Change = On(&EspWin::PortPM_Change);
+    port.Open = On(&EspWin::PortPM_Open);
+
+    auto& scan = Add<PushButton>("ScanBtn", {422, 57, 80, 20, kLeftTop, 19, 11});
+    scan.AccessibleName("Scan for ports");
+    scan.Caption(Module1::kScan(""));
+    scan.Action = On(&EspWin::ScanBtn_Action);
+
+    auto& stopBits = Add<PopupMenu>("StopPM", {372, -109, 50, 20, kNone, 20, 10});
+    stopBits.AccessibleName("Stop bits");
+    Fill(stopBits, {"1", "1.5", "2"}, 0);
+
+    auto& xon = Add<CheckBox>("XonCB", {443, -143, 50, 20, kRight, 21, 10});
+    xon.AccessibleName("XON flow control");
+    xon.Caption("XON");
+
+    auto& resetLabel = Add<Label>("Label7", {0, 109, 75, 20, kLeftTop, 23, 11});
+    resetLabel.Text("Reset (-cd): ");
+
+    auto& reset = Add<TextField>("ResetEF", {80, 108, 80, 22, kLeftTop, 24, 11});
+    reset.AccessibleName("Reset (-cd)");
+    reset.Text("ck");
+    reset.TextChange = On(&EspWin::ResetEF_TextChange);
+
+    auto& serial = Add<Serial>("MySerial");
+    serial.DataAvailable = On(&EspWin::MySerial_DataAvailable);
+
+    auto& speedLabel = Add<Label>("Label9", {0, 81, 75, 20, kLeftTop, 27, 11});
+    speedLabel.Text("Speed (-cb): ");
+
+    auto& command = Add<TextArea>("InstallEF", {80, 208, 334, 108, kLeftTopRight, 28, 11});
+    command.AccessibleName("Install command");
+
+    auto& selectTool = Add<PushButton>("SelectESPPB", {422, 7, 80, 20, kTopRight, 29, 11});
+    selectTool.AccessibleName("Select ESP tool");
+    selectTool.Caption(Module1::kSelect(""));
+    selectTool.Action = On(&EspWin::SelectESPPB_Action);
+
+    auto& addressLabel = Add<Label>("Label8", {-87, -56, 75, 20, kLeftTop, 30, 11});
+    addressLabel.Text("Address (-ca): ");
+
+    auto& images = Add<Listbox>("ulb", {80, 134, 334, 70, kLeftTop, 31, 11},
+                                std::vector<std::string>{"File (-cf)", "Address(-ca)"}, 100);
+    images.AccessibleName("Upload files and addresses");
+    images.AddRow({"", "0x00000000"});
+    images.CellBackgroundPaint = On(&EspWin::ulb_CellBackgroundPaint);
+    images.DoubleClick = On(&EspWin::ulb_DoubleClick);
+    images.Change = On(&EspWin::ulb_Change);
+    images.Open = On(&EspWin::ulb_Open);
+    images.CellTextChange = On(&EspWin::ulb_CellTextChange);
+
+    auto& remove = Add<PushButton>("DeletePB", {422, 134, 80, 20, kTopRight, 32, 11});
+    remove.AccessibleName("Delete upload file");
+    remove.Caption(Module1::kDelete(""));
+    remove.Enabled(false);
+    remove.Action = On(&EspWin::DeletePB_Action);
+
+    auto& address = Add<TextField>("AddressEF", {379, -54, 88, 22, kLeftTop, 26, 11});
+    address.AccessibleName("Address (-ca)");
+    address.Text("0x00000000");
+    address.TextChange = On(&EspWin::AddressEF_TextChange);
+
+    Open = On(&EspWin::Event_Open);
+    Close = On(&EspWin::Event_Close);
+    // Ends a running tool that would never end by itself.
+    OnKeys("Cmd+.", [this] { esptool().Stop(); });
 }

@@ -89,8 +89,8 @@ void RectControl::FollowWindow(int grownWidth, int grownHeight) {
     const auto stretch = [](bool near, bool far, int grown) { return near && far ? grown : 0; };
     const auto move = [](bool near, bool far, int grown) { return far && !near ? grown : 0; };
     const ControlPlace& p = mPlace;
-    mNative->setGeometry(p.Left + move(p.LockLeft, p.LockRight, grownWidth),
-                         p.Top + move(p.LockTop, p.LockBottom, grownHeight),
-                         std::max(0, p.Width + stretch(p.LockLeft, p.LockRight, grownWidth)),
-                         std::max(0, p.Height + stretch(p.LockTop, p.LockBottom, grownHeight)));
+    mNative->setGeometry(p.Left + move(p.Locks.Left, p.Locks.Right, grownWidth),
+                         p.Top + move(p.Locks.Top, p.Locks.Bottom, grownHeight),
+                         std::max(0, p.Width + stretch(p.Locks.Left, p.Locks.Right, grownWidth)),
+                         std::max(0, p.Height + stretch(p.Locks.Top, p.Locks.Bottom, grownHeight)));
 }

@@ -43,13 +43,17 @@ class Control {
     bool mDetached = false;
 };
 
-// Design-time place of a control. Lengths are device-independent pixels from the top left corner
+// The sides of a control that keep their distance from the same side of the window. On an axis
+// with no lock the control keeps its left or top distance.
+struct Locks {
+    bool Left = false, Top = false, Right = false, Bottom = false;
+};
+
+// Place of a control at the start. Lengths are device-independent pixels from the top left corner
 // of the window's content; a negative place lies outside it.
 struct ControlPlace {
     int Left, Top, Width, Height;
-    // A locked side keeps its distance from the same side of the window. On an axis with no lock
-    // the control keeps its left or top distance.
-    bool LockLeft, LockTop, LockRight, LockBottom;
+    ::Locks Locks;
     int TabIndex;
     int TextSize;  // height of the font
 };

@@ -45,14 +45,19 @@ class Window {
     static void ReleaseAll();
 
   protected:
-    // Creates a control of this window and adds it to the control list.
+    // Creates a control of this window, without a visual form, and adds it to the control list.
+    template <class C>
+    C& Add(std::string name) {
+        return AddToList(std::make_unique<C>(*this, std::move(name)));
+    }
+
+    // The same for a visual control, which also gets its place.
     template <class C, class... Arguments>
-    C& Add(std::string name, Arguments&&... arguments) {
-        auto control =
-            std::make_unique<C>(*this, std::move(name), std::forward<Arguments>(arguments)...);
-        C& added = *control;
-        mControls.push_back(std::move(control));
-        return added;
+    C& Add(std::string name, const ControlPlace& place, Arguments&&... arguments) {
+        C& control = AddToList(
+            std::make_unique<C>(*this, std::move(name), std::forward<Arguments>(arguments)...));
+        control.Place(place);
+        return control;
     }
 
     // The control of that name in the control list, as its class.
@@ -64,6 +69,13 @@ class Window {
   private:
     friend class QWidget* ContentOf(Window& window);
     class Frame;  // the toolkit's window
+
+    template <class C>
+    C& AddToList(std::unique_ptr<C> control) {
+        C& added = *control;
+        mControls.push_back(std::move(control));
+        return added;
+    }
 
     Control& Find(std::string_view name) const;
     std::vector<RectControl*> VisualControls() const;

@@ -18,8 +18,8 @@ void EspWin::SetInstallSetting(const FolderItemRef& file) {
     list.AddRow({""});
     list.Cell(0, 1, "0x00100000");
 
-    // Of several lines for one control the last wins, and sets it once: each setting composes the
-    // command, over all images that are listed by then.
+    // Only the last cd and cb are applied, after all images, because each change composes the
+    // command.
     std::optional<std::string> reset;
     std::optional<std::int64_t> speed;
     const PopupMenu& speeds = BaudPM();

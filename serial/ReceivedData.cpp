@@ -1,9 +1,7 @@
 #include "flash/EspWin.h"
 
-// Drained, so that the device never waits for us; nothing shows it.
+// Read and thrown away, so that the device never has to wait for us.
 void EspWin::MySerial_DataAvailable(Serial& sender) {
     sender.ReadAll(Encodings::ASCII);
     sender.Flush();
 }
-
-void EspWin::ResetEF_TextChange(TextField&) { MakeCommand(); }
