@@ -15,32 +15,20 @@ namespace fs = std::filesystem;
 
 namespace {
 
-bool IsAscii(std::string_view text) {
-    return std::all_of(text.begin(), text.end(), [](char c) { return (c & 0x80) == 0; });
-}
-
 bool PlainInShell(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
            std::string_view("_./+,:@%=-").find(c) != std::string_view::npos;
 }
 
-std::map<std::string, std::string, std::less<>> ComposedNames(const std::string& folder) {
-    std::map<std::string, std::string, std::less<>> names;
-    std::error_code error;
-    for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
-         entry.increment(error)) {
-        auto name = entry->path().filename().string();
-        if (!IsAscii(name)) names.emplace(Composed(name), std::move(name));
-    }
-    return names;
-}
-
 // Asked of the system as bytes: a folder's name need not be valid text.
-std::string ProgramFolder() {
+std::string FindBaseFolder() {
     std::error_code error;
     fs::path program = fs::read_symlink("/proc/self/exe", error);
     if (error) program = fs::canonical(FromQt(QCoreApplication::applicationFilePath()), error);
     fs::path folder = program.parent_path();
+    const fs::path link = folder.parent_path().parent_path() / "bin" / program.filename();
+    if (folder.parent_path().filename() == "lib" && fs::equivalent(link, program, error))
+        return fs::current_path(error).string();
 #ifdef Q_OS_MACOS
     // Quillstone.app/Contents/MacOS/quillstone
     if (folder.filename() == "MacOS") folder = folder.parent_path().parent_path().parent_path();
@@ -61,12 +49,29 @@ FolderItemRef FolderItem::Child(std::string_view name) const {
         return nullptr;
     const std::string folder = mPath.ends_with('/') ? mPath : mPath + '/';
     auto child = std::make_shared<const FolderItem>(folder + std::string(name));
-    if (IsAscii(name) || child->Exists()) return child;
-    if (!mComposedNames) mComposedNames = ComposedNames(mPath);
-    const auto same = mComposedNames->find(Composed(name));
-    return same == mComposedNames->end()
-               ? child
-               : std::make_shared<const FolderItem>(folder + same->second);
+    if (child->Exists()) return child;
+    const std::string similar = SimilarName(name);
+    return similar.empty() ? child : std::make_shared<const FolderItem>(folder + similar);
+}
+
+// Names that are no valid text are left out: different ones would look alike.
+std::string FolderItem::SimilarName(std::string_view name) const {
+    if (!IsUtf8(name)) return {};
+    if (!mNames) {
+        mNames.emplace();
+        std::error_code error;
+        for (fs::directory_iterator entry(mPath, error), end; !error && entry != end;
+             entry.increment(error)) {
+            std::string found = entry->path().filename().string();
+            if (IsUtf8(found)) mNames->emplace(CaseFolded(found), std::move(found));
+        }
+    }
+    const auto [first, last] = mNames->equal_range(CaseFolded(name));
+    const auto same = std::find_if(first, last, [composed = Composed(name)](const auto& entry) {
+        return Composed(entry.second) == composed;
+    });
+    if (same != last) return same->second;
+    return std::distance(first, last) == 1 ? first->second : std::string();
 }
 
 bool FolderItem::Exists() const {
@@ -99,9 +104,9 @@ std::string FolderItem::Type() const { return FileType::NameFor(Name()); }
 FolderItemRef GetFolderItem(std::string_view path, int pathType) {
     if (!path.empty() || pathType != 0) return nullptr;
     // Taken once: the program's own path reads differently after its file has been deleted.
-    static const std::string programFolder = ProgramFolder();
+    static const std::string found = FindBaseFolder();
     const std::string& replaced = ReplacedBaseFolder();
-    auto folder = std::make_shared<const FolderItem>(replaced.empty() ? programFolder : replaced);
+    auto folder = std::make_shared<const FolderItem>(replaced.empty() ? found : replaced);
     return folder->Exists() ? folder : nullptr;
 }
 

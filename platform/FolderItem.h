@@ -17,8 +17,9 @@ class FolderItem {
     explicit FolderItem(std::string path) : mPath(std::move(path)) {}
 
     // The entry of that name in this folder, existing or not. Where no entry has exactly these
-    // bytes, one that is equal after Unicode normalisation serves. nil for a name that is no
-    // entry's: empty, ".", "..", or with a path separator or a NUL in it.
+    // bytes, one that is equal after Unicode normalisation serves, or else the only one that is
+    // equal without regard to case. nil for a name that is no entry's: empty, ".", "..", or with a
+    // path separator or a NUL in it.
     FolderItemRef Child(std::string_view name) const;
 
     bool Exists() const;
@@ -35,14 +36,20 @@ class FolderItem {
     std::string Type() const;
 
   private:
-    // Names with letters beyond ASCII, by composed form. Read when first needed, so that a
-    // search for many names that aren't there reads the folder once.
-    mutable std::optional<std::map<std::string, std::string, std::less<>>> mComposedNames;
+    using Names = std::multimap<std::string, std::string, std::less<>>;
+
+    std::string SimilarName(std::string_view name) const;
+
+    // The folder's names by their case-folded form. Read when first needed, so that a search for
+    // many names that aren't there reads the folder once.
+    mutable std::optional<Names> mNames;
     std::string mPath;
 };
 
-// Path type 0 and an empty path: the base folder, the one that holds the running program (on macOS
-// the one that holds its bundle). nil where that folder is gone. The logic asks for no other.
+// Path type 0 and an empty path: the base folder. nil where that folder is gone. The logic asks for
+// no other. It is the folder that holds the running program (on macOS the one that holds its
+// bundle); for an installed program, to which PREFIX/bin/quillstone leads from
+// PREFIX/lib/quillstone, the one in which it was started.
 FolderItemRef GetFolderItem(std::string_view path, int pathType);
 
 namespace SpecialFolder {

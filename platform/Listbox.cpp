@@ -12,7 +12,7 @@
 
 #include "platform/Native.h"
 #include "platform/QtText.h"
-#include "platform/TextInputStream.h"
+#include "platform/TextEdit.h"
 
 // The rows, and the model through which the view sees them.
 class Listbox::Rows : public QAbstractTableModel {
@@ -240,7 +240,7 @@ class Listbox::Painter : public QStyledItemDelegate {
                           const QModelIndex& index) const override {
         auto* editor = new QLineEdit(parent);
         editor->setFrame(false);
-        editor->setMaxLength(static_cast<int>(TextInputStream::kLongestLine));
+        editor->setMaxLength(kLongestLine);
         editor->setFont(mList.ListView().font());
         editor->setAccessibleName(
             index.model()->headerData(index.column(), Qt::Horizontal).toString());

@@ -1,4 +1,4 @@
-// Conversion between the logic's text (UTF-8) and the toolkit's. The only place where it happens.
+// Conversion between the logic's text (UTF-8) and Qt's. The only place where it happens.
 #pragma once
 
 #include <string>
@@ -10,9 +10,16 @@ class QString;
 QString ToQt(std::string_view text);
 std::string FromQt(const QString& text);
 
-// A key name as the menus write it, "Cmd+Q", in the toolkit's form: Cmd is the command key on
-// macOS and Ctrl elsewhere.
+// A key name as the menus write it, "Cmd+Q", in Qt's form: Cmd is the command key on macOS and
+// Ctrl elsewhere.
 QString ToQtKeys(std::string_view shortcut);
 
-// The canonically composed form of a name, for comparing names written on different systems.
+bool IsUtf8(std::string_view text);
+
+// From Shift_JIS. A Qt that was built without this encoding leaves the bytes as they are.
+std::string FromShiftJis(std::string_view bytes);
+
+// The canonically composed form of a name, for comparing names written on different systems; the
+// second without regard to case.
 std::string Composed(std::string_view text);
+std::string CaseFolded(std::string_view text);

@@ -164,9 +164,8 @@ class Shell::Run : public QObject {
     }
 
     void Pass(const std::string& portion) {
-        mShell.mOutput += portion;
-        if (!portion.empty() && CompleteLength(mShell.mOutput) > 0)
-            mShell.Raise(mShell.DataAvailable);
+        mShell.mOutput += mText.Add(portion);
+        if (!mShell.mOutput.empty()) mShell.Raise(mShell.DataAvailable);
     }
 
     // The command has ended. After a stop the run isn't over before its other processes are.
@@ -182,7 +181,7 @@ class Shell::Run : public QObject {
         mArrival.reset();
         const std::string portion = ReadPortion(mTerminal.Master());
         if (portion.empty() || portion.size() >= limit) {
-            mShell.mOutput += portion;
+            mShell.mOutput += mText.Add(portion);
             Complete();
         } else {
             QTimer::singleShot(0, this, [=, this] { TakeRest(limit - portion.size()); });
@@ -192,6 +191,7 @@ class Shell::Run : public QObject {
 
     void Complete() {
         Shell& shell = mShell;
+        shell.mOutput += mText.End();
         shell.mRun.release()->deleteLater();  // this object is still at work
         HangUp();
         mSession.reset();  // what ignores the hang-up goes its own way
@@ -200,6 +200,7 @@ class Shell::Run : public QObject {
 
     Shell& mShell;
     Terminal mTerminal;
+    OutputText mText;
     std::unique_ptr<QSocketNotifier> mArrival;  // of output
     QProcess mProcess;
     std::optional<Session> mSession;  // while the run lasts
@@ -216,12 +217,7 @@ void Shell::Execute(std::string_view command) {
     mRun = std::make_unique<Run>(*this, command);
 }
 
-std::string Shell::ReadAll() {
-    const std::size_t length = mRun ? CompleteLength(mOutput) : mOutput.size();
-    std::string output = mOutput.substr(0, length);
-    mOutput.erase(0, length);
-    return output;
-}
+std::string Shell::ReadAll() { return std::exchange(mOutput, {}); }
 
 void Shell::Stop() {
     if (mRun) mRun->Stop();

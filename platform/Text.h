@@ -21,9 +21,21 @@ std::string NthField(std::string_view text, std::string_view separator, std::int
 // The number that `text` shows; 0 where it shows none.
 double Val(std::string_view text);
 
-// Length of the part of `bytes` that can be shown without knowing what follows: it ends neither
-// inside a UTF-8 character nor between CR and LF.
-std::size_t CompleteLength(std::string_view bytes);
+// The text of an output whose bytes arrive in any pieces. Its only line end is LF: CR LF becomes
+// one, and so does a CR alone, unless its line is still empty. So a tool that rewrites its progress
+// by CR gets a line for each step, none of them blank, and nothing that it printed is lost.
+class OutputText {
+  public:
+    // What can be shown now that these bytes have come: whole characters.
+    std::string Add(std::string_view bytes);
+    // The rest. Nothing comes after it.
+    std::string End();
+
+  private:
+    std::string mPart;         // of a character
+    bool mLineIsEmpty = true;  // so far
+    bool mReturned = false;    // by a CR; what follows tells whether the line has ended
+};
 
 enum class TextEncoding { UTF8, ASCII };
 

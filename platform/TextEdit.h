@@ -4,6 +4,9 @@
 
 #include "platform/Control.h"
 
+// Characters that fit into one line of editable text. Qt takes time by the length of a line.
+inline constexpr int kLongestLine = 64 * 1024;
+
 // What the two text controls share. The whole text is read and written as Text; writing it raises
 // TextChange each time, as an edit by the user does.
 class TextEdit : public RectControl {
@@ -43,7 +46,7 @@ class TextArea : public TextEdit {
     State* mState;
 };
 
-// One line.
+// One line, cut off where it is longer than kLongestLine.
 class TextField : public TextEdit {
   public:
     TextField(Window& owner, std::string name);

@@ -4,7 +4,6 @@
 #include "platform/Native.h"
 #include "platform/QtText.h"
 #include "platform/TextEdit.h"
-#include "platform/TextInputStream.h"
 
 namespace {
 
@@ -14,8 +13,7 @@ QLineEdit* Line(const TextField& field) { return static_cast<QLineEdit*>(field.N
 
 TextField::TextField(Window& owner, std::string name)
     : TextEdit(std::move(name), new QLineEdit(ContentOf(owner))) {
-    // Whatever a line of a file gives fits in.
-    Line(*this)->setMaxLength(static_cast<int>(TextInputStream::kLongestLine));
+    Line(*this)->setMaxLength(kLongestLine);
     QObject::connect(Line(*this), &QLineEdit::textChanged, Line(*this),
                      [this] { Raise(TextChange); });
 }

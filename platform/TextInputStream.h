@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <fstream>
 #include <memory>
 #include <string>
 
@@ -11,29 +10,24 @@
 // Shift_JIS where the file as a whole isn't valid UTF-8. Lines end with LF, CRLF or CR.
 class TextInputStream {
   public:
-    // Of a longer line only so many bytes are read: text controls can't show more.
-    static constexpr std::size_t kLongestLine = 64UL * 1024;
+    // Bytes of the largest file that is read.
+    static constexpr std::size_t kLargestFile = 16UL * 1024 * 1024;
 
-    // nil for a file that can't be opened, or that is no regular file. Raises NilObjectException
-    // for a nil argument.
+    // Reads the whole file. nil for one that can't be opened or read to its end, that is larger
+    // than the limit, or that is no regular file. Raises NilObjectException for a nil argument.
     static std::unique_ptr<TextInputStream> Open(const FolderItemRef& file);
-    ~TextInputStream();
 
     // The next line as UTF-8, without its line end; empty at the end. The encoding of the file is
     // found as said above; nil asks for no other.
     std::string ReadLine(std::nullptr_t encoding = nullptr);
 
-    // True when nothing is left to read, also after an error. (The plain name is a macro of C's.)
-    bool Eof() const { return mNext == mBuffer.size(); }
-    void Close() { mFile.close(); }
+    // True when nothing is left to read. (The plain name is a macro of C's.)
+    bool Eof() const { return mNext == mText.size(); }
+    void Close() { mNext = mText.size(); }
 
   private:
-    explicit TextInputStream(std::ifstream file);
-    bool Fill();
+    explicit TextInputStream(std::string text);
 
-    std::ifstream mFile;
-    std::string mBuffer;  // holds something to read, from mNext on, until the end of the file
+    std::string mText;
     std::size_t mNext = 0;
-    struct Decoder;
-    std::unique_ptr<Decoder> mDecoder;  // of a file that isn't UTF-8
 };

@@ -2,16 +2,20 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <QProcess>
+
 #include "Testing.h"
+#include "platform/Text.h"
 #include "platform/TextInputStream.h"
 
 namespace {
 
-std::string OutputOf(const std::string& command) {
-    std::string output;
-    FILE* const pipe = popen(command.c_str(), "r");
-    for (int c = 0; (c = fgetc(pipe)) != EOF;) output += static_cast<char>(c);
-    return pclose(pipe) == 0 ? output : "failed";
+QByteArray OutputOf(const QString& program, const QStringList& arguments,
+                    const QString& folder = {}) {
+    QProcess process;
+    process.setWorkingDirectory(folder);
+    process.start(program, arguments);
+    return process.waitForFinished() ? process.readAllStandardOutput() : "hangs";
 }
 
 }  // namespace
@@ -19,68 +23,178 @@ std::string OutputOf(const std::string& command) {
 class TextTest : public QObject {
     Q_OBJECT
   private slots:
-    // A real shell sees each name as one word, to the byte.
-    void ShellSeesOneWord() {
-        // clang-format off
-        const std::string names[] = {
-            "plain_-.+,:@%=09", "two words", "o'neil'", "\"q\" `id` $HOME ${x} $(id)", "a\nb\n",
-            "-rf", "~", "*?[a]{b,c}", "a\\b\\", ";&|<>()#!^", "ファーム\u00A0é",
-            "\xFF\xFE\x80.bin", "\t\r\x01"};
-        // clang-format on
+    void AShellSeesAPathAsOneWord_data() {
+        QTest::addColumn<QByteArray>("name");
+        QTest::newRow("no quotes needed") << QByteArray("plain_-.+,:@%=09");
+        QTest::newRow("blank") << QByteArray("two words");
+        QTest::newRow("single quotes") << QByteArray("o'neil'");
+        QTest::newRow("expansions") << QByteArray("\"q\" `id` $HOME ${x} $(id)");
+        QTest::newRow("line ends") << QByteArray("a\nb\n");
+        QTest::newRow("hyphen in front") << QByteArray("-rf");
+        QTest::newRow("tilde") << QByteArray("~");
+        QTest::newRow("patterns") << QByteArray("*?[a]{b,c}");
+        QTest::newRow("backslashes") << QByteArray("a\\b\\");
+        QTest::newRow("operators") << QByteArray(";&|<>()#!^");
+        QTest::newRow("beyond ASCII") << QByteArray("ファーム\u00A0é");
+        QTest::newRow("no valid text") << QByteArray("\xFF\xFE\x80.bin");
+        QTest::newRow("control characters") << QByteArray("\t\r\x01");
+    }
+    void AShellSeesAPathAsOneWord() {
+        QFETCH(const QByteArray, name);
         const PreparedFolder folder;
-        for (const std::string& name : names) {
-            const FolderItemRef file = folder.Item("")->Child(name);
-            QCOMPARE(file->Name(), name);
-            close(open(file->NativePath().c_str(), O_CREAT | O_WRONLY, 0600));
-            QCOMPARE(OutputOf("printf '<%s>' " + file->ShellPath()),
-                     '<' + folder.Path().toStdString() + '/' + name + '>');
-            QCOMPARE(OutputOf("rm " + file->ShellPath()), "");
-        }
+        const FolderItemRef file = folder.Item("")->Child(name.toStdString());
+        QCOMPARE(file->Name(), name.toStdString());
+        close(open(file->NativePath().c_str(), O_CREAT | O_WRONLY, 0600));
+        // By a file, since a command line of Qt's holds valid text alone.
+        folder.Write("command", "printf '<%s>' " + QByteArray::fromStdString(file->ShellPath()) +
+                                    "; rm " + QByteArray::fromStdString(file->ShellPath()));
+        QCOMPARE(OutputOf("sh", {folder.Path("command")}),
+                 '<' + folder.Path().toUtf8() + '/' + name + '>');
+        QVERIFY(!file->Exists());
     }
 
-    void FolderItems() {
-        const PreparedFolder folder;
-        // Names written on macOS are decomposed. The same bytes come before an equal name.
+    void ANameFindsItsFile_data() {
         const QString composed = "\u30AC\u00E9.bin", decomposed = "\u30AB\u3099e\u0301.bin";
-        const auto child = [&folder](const QString& name) {
-            return folder.Item("n")->Child(name.toStdString());
+        const QString none;
+        QTest::addColumn<QStringList>("files");
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("found");
+        const auto row = [](const char* what, const QStringList& files, const QString& name,
+                            const QString& found) {
+            QTest::newRow(what) << files << name << found;
         };
-        const QString path = folder.Write("n/" + decomposed, "1");
-        QCOMPARE(child(composed)->NativePath(), path.toStdString());
-        folder.Write("n/" + composed, "1");
-        for (const QString& name : {composed, decomposed, QString("\u30AD.bin")})
-            QCOMPARE(child(name)->Name(), name.toStdString());
-        QFile::remove(path);
-        QCOMPARE(child(decomposed)->Name(), composed.toStdString());
+        row("written on macOS", {decomposed}, composed, decomposed);
+        row("written for macOS", {composed}, decomposed, composed);
+        row("the same bytes come first", {composed, decomposed}, decomposed, decomposed);
+        row("another letter", {composed}, "\u30AD\u00E9.bin", none);
+        row("another case", {"Boot.BIN", "app.bin"}, "boot.bin", "Boot.BIN");
+        row("another case beyond ASCII", {"\u00C9.bin"}, "e\u0301.BIN", "\u00C9.bin");
+        row("two of another case", {"Boot.bin", "BOOT.bin"}, "boot.bin", none);
+        row("the same case among others", {"Boot.bin", "boot.bin"}, "boot.bin", "boot.bin");
+        row("normalised before another case", {decomposed, "\u30AC\u00C9.bin"}, composed,
+            decomposed);
+    }
+    void ANameFindsItsFile() {
+        QFETCH(const QStringList, files);
+        QFETCH(const QString, name);
+        QFETCH(const QString, found);
+        const PreparedFolder folder;
+        for (const QString& file : files) folder.Write(file, "1");
+        const FolderItemRef child = folder.Item("")->Child(name.toStdString());
+        QCOMPARE(child->Exists(), !found.isEmpty());
+        QCOMPARE(child->Name(), (found.isEmpty() ? name : found).toStdString());
     }
 
-    void Lines() {
-        const auto x = [](int count) { return QByteArray(count, 'x'); };
-        constexpr int block = 64 * 1024;
-        // clang-format off
-        const std::pair<QByteArray, QString> rows[] = {  // each line with '|' behind it
-            {"", "|"}, {"a\nb\r\nc\rd", "a|b|c|d|"}, {"a\r\n", "a|"},
-            {"\n\r\n\r\ra\n\r", "||||a||"}, {"\xEF\xBB\xBFup,é\n", "up,é|"}, {"\xEF\xBB\xBF", "|"},
-            {"\x83\x5C\x95\x5C.bin,0\r\nb", "ソ表.bin,0|b|"},  // Shift_JIS, with a backslash byte
-            {QByteArray("a\0b\nc", 5), QString("a%1b|c|").arg(QChar(0))},
-            {x(block - 1) + "\r\nb", x(block - 1) + "|b|"}, {x(block) + "\r\nb", x(block) + "|b|"},
-            {x(block - 1) + '\r', x(block - 1) + '|'}, {x(block - 2) + "\né", x(block - 2) + "|é|"},
-            {"é\n" + x(block) + "\n\x83\x65", "ﾃｩ|" + x(block) + "|テ|"},  // Shift_JIS late
-            {x(3 * block + 5) + "\nb", x(block) + "|b|"},
-            {'x' + QByteArray("é").repeated(block) + "\nb",
-             'x' + QString("é").repeated(block / 2 - 1) + "|b|"}};
-        // clang-format on
+    // A name that can't be read must not pass for another one.
+    void NamesThatAreNoTextAreNotSimilar() {
         const PreparedFolder folder;
-        for (const auto& [bytes, lines] : rows) {
-            folder.Write("lines", bytes);
-            const auto stream = TextInputStream::Open(folder.Item("lines"));
-            std::string read;
-            do read += stream->ReadLine() + '|';
-            while (!stream->Eof());
-            QVERIFY2(read == lines.toStdString(), bytes.left(99).constData());
+        const std::string path = folder.Path().toStdString() + "/\xFF.bin";
+        close(open(path.c_str(), O_CREAT | O_WRONLY, 0600));
+        for (const char* name : {"\xFE.bin", "\uFFFD.bin"})
+            QVERIFY(!folder.Item("")->Child(name)->Exists());
+        unlink(path.c_str());  // not every way of removing the folder can name it
+    }
+
+    void TheBaseFolder_data() {
+        QTest::addColumn<QString>("program");
+        QTest::addColumn<QString>("link");
+        QTest::addColumn<bool>("isWhereItWasStarted");
+        QTest::newRow("installed") << "p/lib/quillstone/quillstone"
+                                   << "p/bin/quillstone" << true;
+        QTest::newRow("a copy") << "job/quillstone"
+                                << "" << false;
+        QTest::newRow("a link to a copy") << "job/quillstone"
+                                          << "bin/quillstone" << false;
+        QTest::newRow("a copy in a folder lib") << "p/lib/job/quillstone"
+                                                << "" << false;
+    }
+    void TheBaseFolder() {
+        QFETCH(const QString, program);
+        QFETCH(const QString, link);
+        QFETCH(const bool, isWhereItWasStarted);
+        const PreparedFolder folder;
+        folder.Write("work/x", "");
+        const QString path = folder.Write(program, "");
+        QVERIFY(QFile::remove(path) && QFile::copy(QApplication::applicationFilePath(), path));
+        if (!link.isEmpty()) folder.Write(link, "");
+        if (!link.isEmpty())
+            QVERIFY(QFile::remove(folder.Path(link)) && QFile::link(path, folder.Path(link)));
+        const QString expected =
+            isWhereItWasStarted ? folder.Path("work") : QFileInfo(path).absolutePath();
+        QCOMPARE(OutputOf(link.isEmpty() ? path : folder.Path(link), {"--base-folder"},
+                          folder.Path("work")),
+                 QFileInfo(expected).canonicalFilePath().toUtf8());
+    }
+
+    void LinesOfAFile_data() {
+        QTest::addColumn<QByteArray>("file");
+        QTest::addColumn<QStringList>("lines");
+        const auto row = [](const char* what, const QByteArray& file, const QStringList& lines) {
+            QTest::newRow(what) << file << lines;
+        };
+        constexpr int limit = TextInputStream::kLargestFile;
+        row("empty", "", {""});
+        row("every line end", "a\nb\r\nc\rd", {"a", "b", "c", "d"});
+        row("line end at the end", "a\r\n", {"a"});
+        row("empty lines", "\n\r\n\r\ra\n\r", {"", "", "", "", "a", ""});
+        row("byte order mark", "\xEF\xBB\xBFup,é\n", {"up,é"});
+        row("byte order mark alone", "\xEF\xBB\xBF", {""});
+        row("Shift_JIS with a backslash byte", "\x83\x5C\x95\x5C.bin,0\r\nb", {"ソ表.bin,0", "b"});
+        row("Shift_JIS on the last line", "é\n\x83\x65", {"ﾃｩ", "テ"});
+        row("NUL", QByteArray("a\0b\nc", 5), {QString("a%1b").arg(QChar(0)), "c"});
+        row("a long line", QByteArray(200'000, 'x') + "\ny", {QString(200'000, 'x'), "y"});
+        row("as large as can be", QByteArray(limit - 2, 'x') + "\ny",
+            {QString(limit - 2, 'x'), "y"});
+        row("too large", QByteArray(limit, 'x') + "\n", {});
+    }
+    void LinesOfAFile() {
+        QFETCH(const QByteArray, file);
+        QFETCH(const QStringList, lines);
+        const PreparedFolder folder;
+        folder.Write("lines", file);
+        const auto stream = TextInputStream::Open(folder.Item("lines"));
+        QCOMPARE(stream != nullptr, !lines.isEmpty());
+        QStringList read;
+        while (stream && (read.isEmpty() || !stream->Eof()))
+            read += QString::fromStdString(stream->ReadLine());
+        QVERIFY(read == lines);  // too long to be printed
+    }
+
+    // In whatever pieces it arrives.
+    void TextOfAnOutput_data() {
+        QTest::addColumn<QByteArray>("output");
+        QTest::addColumn<QByteArray>("text");
+        const auto row = [](const char* what, const char* output, const char* text) {
+            QTest::newRow(what) << QByteArray(output) << QByteArray(text);
+        };
+        row("line ends", "a\nb\r\nc\rd", "a\nb\nc\nd");
+        row("empty lines", "\na\n\n\r\nb", "\na\n\n\nb");
+        row("progress with CR behind", "1 %\r2 %\r\n", "1 %\n2 %\n");
+        row("progress with CR in front", "x\n\r1 %\r2 %\n\ry", "x\n1 %\n2 %\ny");
+        row("CR twice", "a\r\r\nb\r\rc", "a\nb\nc");
+        row("CR at the end", "a\r", "a\n");
+        row("split characters", "\u00E9\u30AC\U0001F600", "\u00E9\u30AC\U0001F600");
+        row("part of a character at the end", "a\xE3\x83", "a\xE3\x83");
+        row("no UTF-8", "\xFF\x80\x80\x80\x80z", "\xFF\x80\x80\x80\x80z");
+    }
+    void TextOfAnOutput() {
+        QFETCH(const QByteArray, output);
+        QFETCH(const QByteArray, text);
+        for (qsizetype size = 1; size <= output.size(); ++size) {
+            OutputText shown;
+            std::string all;
+            for (qsizetype at = 0; at < output.size(); at += size)
+                all += shown.Add(output.mid(at, size).toStdString());
+            QCOMPARE(all + shown.End(), text.toStdString());
         }
     }
 };
 
-QUILLSTONE_TEST(TextTest)
+int main(int count, char** arguments) {
+    if (count == 2 && std::string_view(arguments[1]) == "--base-folder") {
+        std::fputs(GetFolderItem("", 0)->NativePath().c_str(), stdout);
+        return 0;
+    }
+    return RunTest<TextTest>(count, arguments);
+}
 #include "TextTest.moc"

@@ -1,7 +1,6 @@
 // The reader of install setting files: any bytes as a file, read line by line and taken apart.
 #include <QString>
 #include <QTemporaryDir>
-#include <QUtf8StringView>
 #include <fstream>
 
 #include "Fuzzing.h"
@@ -10,10 +9,6 @@
 #include "platform/TextInputStream.h"
 
 namespace {
-
-bool IsUtf8(const std::string& text) {
-    return QUtf8StringView(text.data(), static_cast<qsizetype>(text.size())).isValidUtf8();
-}
 
 void ExpectFields(const std::string& line, const std::string& separator) {
     std::string joined = NthField(line, separator, 1);
@@ -32,13 +27,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     FuzzedDataProvider input(data, size);
     const std::string separator(1, input.ConsumeIntegral<char>());
-    // Brings the rest, now and then, to where a block or the longest line ends.
-    const bool filled = input.ConsumeIntegral<std::uint8_t>() == 1;
-    const auto filler = TextInputStream::kLongestLine - input.ConsumeIntegral<std::uint8_t>();
-    const bool longLine = filled && input.ConsumeBool();
-    const std::string bytes = std::string(filled ? filler : 0, 'x') +
-                              (filled && !longLine ? "\r" : "") +
-                              input.ConsumeRemainingBytesAsString();
+    const std::string bytes = input.ConsumeRemainingBytesAsString();
     std::ofstream(path, std::ios::binary) << bytes;
 
     const auto stream = TextInputStream::Open(std::make_shared<FolderItem>(path));
@@ -48,11 +37,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         lines += line + '\n';
         Expect(IsUtf8(line) && line.find_first_of("\r\n") == line.npos, "a line is one of text");
         ExpectFields(line, ",");
-        if (!filled) ExpectFields(line, separator);  // takes the square of the fields
+        ExpectFields(line, separator);
     }
     QString text = ToQt(bytes).replace("\r\n", "\n").replace('\r', '\n');
     if (text.startsWith(QChar::ByteOrderMark)) text.remove(0, 1);
     if (!text.isEmpty() && !text.endsWith('\n')) text += '\n';
-    Expect(!IsUtf8(bytes) || longLine || text == ToQt(lines), "the lines are the file's");
+    Expect(!IsUtf8(bytes) || text == ToQt(lines), "the lines are the file's");
     return 0;
 }
