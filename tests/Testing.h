@@ -92,6 +92,25 @@ class OpenedWindow {
 
     void Click(const char* name) const { QTest::mouseClick(Widget<QWidget>(name), Qt::LeftButton); }
 
+    // By keyboard: the button stands outside the window. Tells whether it is connected then.
+    bool PressConnect() const {
+        Widget<QWidget>("ConnectPB")->setFocus();
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+        return window.mConnected;
+    }
+
+    // What a run has printed, once it has ended; "hangs" where it doesn't.
+    QString Output() const {
+        if (!QTest::qWaitFor([this] { return window.StartPB().Enabled(); }, 20'000)) return "hangs";
+        return QString::fromStdString(window.rEF().Text()).mid(8);  // behind "Wait...."
+    }
+
+    QString Run(const std::string& command) const {
+        window.InstallEF().Text(command);
+        Click("StartPB");
+        return Output();
+    }
+
     EspWin window;
     QWidget* frame = nullptr;
 };
