@@ -57,6 +57,11 @@ class Machine : public PreparedFolder {
     const QByteArray mHome = qgetenv("HOME"), mPath = qgetenv("PATH");
 };
 
+void InstallScripts(const Machine& machine, const QString& prefix) {
+    machine.Write(prefix + "/bin/quillstone-kit", Bytes(kKit), 0755);
+    machine.Write(prefix + "/lib/quillstone/bridge/esptool", Bytes(kBridge), 0755);
+}
+
 struct Process : QProcess {
     Process(const Machine& machine, const QString& program, const QStringList& arguments) {
         setWorkingDirectory(machine.Path());
@@ -153,7 +158,9 @@ class BridgeTest : public QObject {
         row("no such image", "new a.bin 0 no 9", "no image to read at no");
         row("no number", "empty a.bin 1g", "not a number such as 65536 or 0x10000: 1g");
         row("base 8", "new a.bin 010", "not a number such as 65536 or 0x10000: 010");
-        row("beyond 32 bits", "new a.bin 0x100000000", "address beyond 32 bits: 0x100000000");
+        row("beyond 32 bits", "new a.bin 4294967296", "address beyond 32 bits: 4294967296");
+        row("beyond 64 bits", "new a.bin 0x10000000000000000",
+            "address beyond 32 bits: 0x10000000000000000");
         row("an overlap", "new full/a.bin 0x10 b.bin 19", "a.bin and b.bin overlap");
         row("one name", "new a.bin 0 full/a.bin 99", "two images with the name a.bin");
         row("a comma", "new a.bin 1 c,.bin 0",
@@ -215,35 +222,45 @@ class BridgeTest : public QObject {
         QCOMPARE(bridge.readAllStandardOutput().trimmed().toLongLong(), bridge.pid);
     }
 
+    // By the installed kit.
     void KitIsMade_data() {
         QTest::addColumn<QString>("arguments");
         QTest::addColumn<QByteArray>("setting");
-        QTest::addColumn<QString>("target");
-        QTest::newRow("with options")
-            << "kit a.bin 0x0 --speed 921600 b'.bin 4096 --reset none a.bin 0X10000"
-            << QByteArray("cd,none\ncb,921600\nup,a.bin,0x0\nup,b'.bin,4096\nup,a.bin,0X10000\n")
-            << kBridge;
-        QTest::newRow("of images that touch, where a folder is")
-            << "-- empty/../empty/ -d.bin 4 a.bin 0" << QByteArray("up,-d.bin,4\nup,a.bin,0\n")
-            << kBridge;
-        QTest::newRow("with an own tool") << "--tool tool kit" << QByteArray() << "tool";
-        QTest::newRow("with a copy") << "--copy kit" << QByteArray() << "";
+        QTest::addColumn<QString>("link");
+        const auto row = [](const char* name, const QString& arguments, const QByteArray& setting,
+                            const QString& link) {
+            QTest::newRow(name) << arguments << setting << link;
+        };
+        row("with options", "kit a.bin 0x0 --speed 921600 b'.bin 4096 --reset none a.bin 0X10000",
+            "cd,none\ncb,921600\nup,a.bin,0x0\nup,b'.bin,4096\nup,a.bin,0X10000\n",
+            "usr/lib/quillstone/bridge/esptool");
+        row("of images that touch", "-- kit/ -d.bin 4 a.bin 0 b'.bin 8",
+            "up,-d.bin,4\nup,a.bin,0\nup,b'.bin,8\n", "usr/lib/quillstone/bridge/esptool");
+        row("with an own tool", "--tool tool kit", "", "tool");
+        row("with a copy of the tool", "--copy kit", "", "");
+        row("with the program, in a folder that is there", "--program empty/../empty/", "", "");
     }
     void KitIsMade() {
         QFETCH(QString, arguments);
         QFETCH(QByteArray, setting);
-        QFETCH(QString, target);
+        QFETCH(QString, link);
         const Machine machine;
         for (const char* name : {"a.bin", "b'.bin", "-d.bin"}) machine.Write(name, "1234");
         machine.Write("tool", "", 0755);
         QDir().mkpath(machine.Path("empty"));
-        QCOMPARE(Process(machine, kKit, arguments.split(' ')).exitCode(), 0);
-        const QString folder = machine.Path(arguments.contains("kit") ? "kit/" : "empty/");
-        QCOMPARE(Content(folder), QStringList({"bin", "esptool"}));
+        InstallScripts(machine, "usr");
+        machine.Write("usr/lib/quillstone/quillstone", "", 0755);
+        const QString kit = machine.Path("usr/bin/quillstone-kit");
+        QCOMPARE(Process(machine, kit, arguments.split(' ')).exitCode(), 0);
+        const bool isEmpty = arguments.contains("empty");
+        const QString folder = machine.Path(isEmpty ? "empty/" : "kit/");
+        QStringList content = {"bin", "esptool"};
+        if (isEmpty) content += "quillstone";
+        QCOMPARE(Content(folder), content);
         QCOMPARE(Bytes(folder + "bin/installsetting.csv"), setting);
         const QFileInfo tool(folder + "esptool/esptool");
         QVERIFY(tool.isExecutable());
-        QCOMPARE(tool.symLinkTarget(), target == "tool" ? machine.Path(target) : target);
+        QCOMPARE(tool.symLinkTarget(), link.isEmpty() ? link : machine.Path(link));
     }
 
     void KitThatFailsLeavesNothing_data() {
@@ -295,8 +312,7 @@ class BridgeTest : public QObject {
             *) cp ~/../debian/$name ~/../usr/bin;; esac; done)");
         machine.Script("clone/scripts/package", "cd build/release; : >packages/quillstone_1.deb");
         QDir().mkpath(machine.Path("clone/build/release/packages"));
-        machine.Write("package/bin/quillstone-kit", Bytes(kKit), 0755);
-        machine.Write("package/lib/quillstone/bridge/esptool", Bytes(kBridge), 0755);
+        InstallScripts(machine, "package");
         QFile::copy(QUILLSTONE_PROGRAM, machine.Path("package/lib/quillstone/quillstone"));
         QFile::link("../lib/quillstone/quillstone", machine.Path("package/bin/quillstone"));
         const QByteArrayList images = {"bootloader.bin", "0x1000",  "partitions.bin",
