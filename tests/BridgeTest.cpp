@@ -67,7 +67,7 @@ struct Process : QProcess {
         setWorkingDirectory(machine.Path());
         start(program, arguments);
         pid = processId();
-        if (!waitForFinished()) qFatal("%s doesn't end", qPrintable(program));
+        if (!waitForFinished(60'000)) qFatal("%s doesn't end", qPrintable(program));
     }
     qint64 pid = 0;
 };
