@@ -83,7 +83,7 @@ std::string OutputText::Add(std::string_view bytes) {
 
 std::string OutputText::End() {
     std::string text = std::exchange(mPart, {});
-    if (mReturned) text.insert(0, "\n");
+    if (mReturned) text.insert(text.begin(), '\n');
     return text;
 }
 
