@@ -85,6 +85,7 @@ class EspWin : public Window {
     void ulb_Change(Listbox& sender);
     void ulb_Open(Listbox& sender);
     void ulb_CellTextChange(Listbox& sender, std::int64_t row, std::int64_t column);
+    void ulb_DeleteKey(Listbox& sender);
     void DeletePB_Action(PushButton& sender);
     void AddressEF_TextChange(TextField& sender);
     void SelectUploadFile();

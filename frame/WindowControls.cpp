@@ -148,11 +148,13 @@ void EspWin::CreateControls() {
     auto& images = Add<Listbox>("ulb", {80, 134, 334, 70, kLeftTop, 31, 11},
                                 std::vector<std::string>{"File (-cf)", "Address(-ca)"}, 100);
     images.AccessibleName("Upload files and addresses");
+    images.CellHint("address");
     images.AddRow({"", "0x00000000"});
     images.CellBackgroundPaint = On(&EspWin::ulb_CellBackgroundPaint);
     images.DoubleClick = On(&EspWin::ulb_DoubleClick);
     images.Change = On(&EspWin::ulb_Change);
     images.Open = On(&EspWin::ulb_Open);
+    images.DeleteKey = On(&EspWin::ulb_DeleteKey);
     images.CellTextChange = On(&EspWin::ulb_CellTextChange);
 
     auto& remove = Add<PushButton>("DeletePB", {422, 134, 80, 20, kTopRight, 32, 11});

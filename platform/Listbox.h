@@ -8,14 +8,17 @@
 #include "platform/Control.h"
 #include "platform/Graphics.h"
 
+class ListModel;
+class ListView;
+
 // A value of any type; empty is nil.
 using Variant = std::any;
 
 // A table of texts with headings, of which one row at most is selected. Rows and columns count
 // from 0. Reading outside the table gives an empty value, writing there does nothing.
 //
-// A click selects. Typing, F2, Return or a second click on the address cell of the selected row
-// edits the cell in place; leaving it in any way but by Escape commits.
+// A click selects. F2, Return or a click on the editable cell of the selected row edits that cell
+// in place, and typing replaces its text; leaving it in any way but by Escape commits.
 class Listbox : public RectControl {
   public:
     static constexpr int kEditable = 3;
@@ -33,6 +36,9 @@ class Listbox : public RectControl {
     void CellTag(std::int64_t row, std::int64_t column, Variant tag);
     // 3 makes the cell editable by the user.
     void CellType(std::int64_t row, std::int64_t column, int type);
+    // What an editable cell shows, palely, while it is empty and the row's first cell isn't. It is
+    // no part of the cell's text.
+    void CellHint(std::string_view hint);
 
     // The selected row, -1 for none.
     std::int64_t ListIndex() const;
@@ -49,8 +55,10 @@ class Listbox : public RectControl {
 
     std::function<void(Listbox&)> Open;
     std::function<void(Listbox&)> Change;
-    // A double click anywhere in the list.
+    // A double click anywhere in the list. An open edit has been committed.
     std::function<void(Listbox&)> DoubleClick;
+    // The Delete key, with a row selected and no cell open.
+    std::function<void(Listbox&)> DeleteKey;
     // The user has changed a cell's text.
     std::function<void(Listbox&, std::int64_t row, std::int64_t column)> CellTextChange;
     // Before a cell is painted. False leaves the rest of the painting to the control.
@@ -58,13 +66,9 @@ class Listbox : public RectControl {
         CellBackgroundPaint;
 
   private:
-    class Rows;
-    class View;
-    class Painter;
-
-    std::unique_ptr<Rows> mRows;
-    std::unique_ptr<Painter> mPainter;
-    bool mClearing = false;  // Change waits until the rows are gone
-    View& ListView() const;
+    ListView& View() const;
     void ClearSelection();
+
+    std::unique_ptr<ListModel> mModel;
+    bool mClearing = false;  // Change waits until the rows are gone
 };

@@ -42,6 +42,11 @@ void EspWin::DeletePB_Action(PushButton&) {
     MakeCommand();
 }
 
+// The key does what the button would.
+void EspWin::ulb_DeleteKey(Listbox&) {
+    if (DeletePB().Enabled()) DeletePB_Action(DeletePB());
+}
+
 void EspWin::UploadEF_TextChange(TextArea&) { MakeCommand(); }
 
 void EspWin::AddressEF_TextChange(TextField&) { MakeCommand(); }

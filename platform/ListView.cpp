@@ -1,0 +1,142 @@
+#include "platform/ListView.h"
+
+#include <QCoreApplication>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <utility>
+
+ListView::ListView(QWidget* parent) : QTableView(parent) {
+    setFocusPolicy(Qt::StrongFocus);
+    setSelectionBehavior(SelectRows);
+    setSelectionMode(SingleSelection);
+    // The others are below. Qt's own for a click on the selected row waits for a double click, and
+    // loses the keys that come meanwhile.
+    setEditTriggers(AnyKeyPressed);
+    setTabKeyNavigation(false);
+    setShowGrid(false);
+    setWordWrap(false);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setCornerButtonEnabled(false);
+    verticalHeader()->hide();
+    verticalHeader()->setMinimumSectionSize(1);
+    horizontalHeader()->setHighlightSections(false);
+    horizontalHeader()->setSectionsClickable(false);
+    horizontalHeader()->setMinimumSectionSize(1);
+}
+
+void ListView::FixedWidth(int width) {
+    horizontalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    horizontalHeader()->setDefaultSectionSize(width);
+    horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
+}
+
+int ListView::SelectedRow() const {
+    const auto rows = selectionModel()->selectedRows();
+    return rows.isEmpty() ? -1 : rows.front().row();
+}
+
+void ListView::SelectRow(int row) {
+    if (row >= 0 && row < model()->rowCount()) selectRow(row);
+}
+
+void ListView::EditRow(int row) {
+    const QModelIndex cell = EditableCell(row);
+    if (!cell.isValid()) return;
+    setCurrentIndex(cell);
+    edit(cell);
+}
+
+QModelIndex ListView::EditableCell(int row) const {
+    for (int column = 0; column < model()->columnCount(); ++column) {
+        const QModelIndex cell = model()->index(row, column);
+        if (cell.flags().testFlag(Qt::ItemIsEditable)) return cell;
+    }
+    return {};
+}
+
+// An open editor passes on the keys that it has no use for, the arrows up and down for example.
+void ListView::keyPressEvent(QKeyEvent* event) {
+    if (state() == EditingState || !TakeKey(*event)) QTableView::keyPressEvent(event);
+}
+
+// False leaves the key to Qt. What Qt would do with the keys here: move on from a current row that
+// nobody sees when none is selected, go to the ends of the row with Home and End, and type a blank
+// over the text with the space bar.
+bool ListView::TakeKey(QKeyEvent& event) {
+    const bool modified =
+        event.modifiers().testAnyFlags(Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier);
+    const int row = SelectedRow();
+    switch (event.key()) {
+        case Qt::Key_Home:
+            SelectRow(0);
+            return true;
+        case Qt::Key_End:
+            SelectRow(model()->rowCount() - 1);
+            return true;
+        case Qt::Key_Space:
+        case Qt::Key_Select:
+            if (row < 0) SelectRow(0);
+            return true;
+        case Qt::Key_Down:
+            if (row < 0) SelectRow(0);
+            return row < 0;
+        case Qt::Key_Up:
+            if (row < 0) SelectRow(model()->rowCount() - 1);
+            return row < 0;
+        case Qt::Key_Delete:
+            if (row >= 0 && !modified && !event.isAutoRepeat() && DeletePressed) DeletePressed();
+            return true;
+        case Qt::Key_F2:
+        case Qt::Key_Return:
+        case Qt::Key_Enter:
+            if (row < 0 || modified || event.isAutoRepeat()) return false;
+            EditRow(row);
+            return true;
+        default:
+            break;
+    }
+    if (modified || event.text().isEmpty() || !event.text()[0].isPrint()) return false;
+    if (const QModelIndex cell = EditableCell(row); cell.isValid()) {
+        setCurrentIndex(cell);
+        edit(cell, AnyKeyPressed, &event);
+    }
+    return true;
+}
+
+// Qt would open the editor for a text that an input method gives outright, and lose the text.
+void ListView::inputMethodEvent(QInputMethodEvent* event) {
+    const QString& text = event->commitString();
+    if (state() == EditingState || text.isEmpty()) {
+        if (SelectedRow() >= 0) QTableView::inputMethodEvent(event);
+    } else if (!text.trimmed().isEmpty()) {
+        EditRow(SelectedRow());
+        if (QWidget* editor = indexWidget(currentIndex()))
+            QCoreApplication::sendEvent(editor, event);
+    }
+}
+
+void ListView::mousePressEvent(QMouseEvent* event) {
+    const QModelIndex cell = indexAt(event->position().toPoint());
+    const bool edits = event->button() == Qt::LeftButton && event->modifiers() == Qt::NoModifier &&
+                       selectionModel()->isSelected(cell) &&
+                       cell.flags().testFlag(Qt::ItemIsEditable);
+    mPressed = edits ? cell : QModelIndex();
+    QTableView::mousePressEvent(event);
+}
+
+void ListView::mouseReleaseEvent(QMouseEvent* event) {
+    QTableView::mouseReleaseEvent(event);
+    const QPersistentModelIndex pressed = std::exchange(mPressed, {});
+    if (pressed.isValid() && pressed == indexAt(event->position().toPoint())) edit(pressed);
+}
+
+void ListView::mouseDoubleClickEvent(QMouseEvent* event) {
+    QTableView::mouseDoubleClickEvent(event);
+    if (event->button() == Qt::LeftButton && DoubleClicked) DoubleClicked();
+}
+
+void ListView::changeEvent(QEvent* event) {
+    QTableView::changeEvent(event);
+    if (event->type() == QEvent::FontChange)
+        verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 4);
+}

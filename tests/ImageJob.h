@@ -1,0 +1,70 @@
+// A window with images in its list, and the hands at it.
+#pragma once
+
+#include <QLineEdit>
+#include <QTableView>
+#include <QWindow>
+#include <utility>
+
+#include "Testing.h"
+
+// The window with a tool and some images, of which a setting file loads the list.
+struct Job {
+    explicit Job(const QByteArray& setting = "up,a.bin,1\nup,b.bin,2\nup,c.bin,3") {
+        for (const char* name : {"a.bin", "b.bin", "c.bin", "a b.bin", "テ.bin", "sub/a.bin"})
+            folder.Write(name, "1");
+        Load(setting);
+        view->setFocus();
+    }
+    void Load(const QByteArray& setting) const {
+        folder.Write("x.csv", setting);
+        window.SetInstallSetting(folder.Item("x.csv"));
+    }
+    // Of the file's column the names; a free row has none.
+    QStringList Column(int column) const {
+        QStringList texts;
+        for (int row = 0; row < list.ListCount(); ++row)
+            texts += Index(row, column).data().toString().section(" (", 0, 0);
+        return texts;
+    }
+    // Of the command what follows -vv, @ for the folder.
+    QString Command() const {
+        const QString command = QString::fromStdString(window.InstallEF().Text());
+        return command.section(" -vv ", 1).replace(folder.Path(), "@");
+    }
+    QModelIndex Index(int row, int column) const { return view->model()->index(row, column); }
+    QRect Place(int row, int column) const { return view->visualRect(Index(row, column)); }
+    // The picture of a cell, without the line at its end.
+    QImage Picture(int row, int column) const {
+        return view->viewport()->grab(Place(row, column).adjusted(0, 0, -1, 0)).toImage();
+    }
+    // In the window, as the hand does it: what lies there gets the click.
+    QPoint InWindow(int row, int column) const {
+        return view->viewport()->mapTo(opened.frame, Place(row, column).center());
+    }
+    void Click(int row, int column, Qt::KeyboardModifiers held = {}) const {
+        QTest::mouseClick(Desktop(), Qt::LeftButton, held, InWindow(row, column));
+    }
+    // To whatever has the focus, with so many milliseconds before the first key and before each
+    // of the others.
+    void Type(const QString& text, int before = 0, int between = 0) const {
+        for (const QChar c : text) {
+            QTest::qWait(std::exchange(before, between));
+            QTest::keyClick(Desktop(), c.toLatin1());
+        }
+    }
+    void Press(Qt::Key key) const { QTest::keyClick(Desktop(), key); }
+    QWindow* Desktop() const { return opened.frame->windowHandle(); }
+    // The cell editor that is open, if any.
+    QLineEdit* Editor() const {
+        auto* editor = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+        return editor && view->isAncestorOf(editor) ? editor : nullptr;
+    }
+
+    PreparedFolder folder{"a/b/base"};
+    QString tool = folder.WriteTool(kShowArguments);
+    OpenedWindow opened;
+    EspWin& window = opened.window;
+    Listbox& list = window.ulb();
+    QTableView* view = opened.Widget<QTableView>("ulb");
+};

@@ -1,0 +1,170 @@
+// The list under the user's hands: typing, clicks, keys and colours.
+#include "ImageJob.h"
+
+class ListTest : public QObject {
+    Q_OBJECT
+  private slots:
+    void TypingAfterAClick_data() {
+        QTest::addColumn<bool>("selected");
+        QTest::addColumn<int>("wait");
+        for (const int wait : {0, 80, 200, 300})
+            QTest::addRow("%d ms, on the selected row", wait) << true << wait;
+        for (const int wait : {0, 300})
+            QTest::addRow("%d ms, on another row", wait) << false << wait;
+    }
+    void TypingAfterAClick() {
+        const Job job;
+        QFETCH(const bool, selected);
+        QFETCH(const int, wait);
+        if (selected) job.Click(1, 0);
+        job.Click(1, 1);
+        job.Type("0x20000", wait, 80);
+        job.Press(Qt::Key_Tab);
+        QCOMPARE(job.Column(1), (QStringList{"1", "0x20000", "3"}));
+        QCOMPARE(QApplication::focusWidget()->objectName(), "DeletePB");
+    }
+
+    void EditInPlace_data() {
+        QTest::addColumn<Qt::Key>("start");  // a click where it is no key
+        QTest::addColumn<Qt::Key>("leave");
+        QTest::addColumn<QString>("address");
+        QTest::addColumn<QString>("heir");
+        const auto row = [](const char* name, auto start, auto leave, QString address, auto heir) {
+            QTest::newRow(name) << start << leave << address << heir;
+        };
+        row("a click and Tab", Qt::Key_unknown, Qt::Key_Tab, "new", "DeletePB");
+        row("a click and Down", Qt::Key_unknown, Qt::Key_Down, "new", "ulb");
+        row("F2 and Return", Qt::Key_F2, Qt::Key_Return, "new", "ulb");
+        row("F2 and Escape", Qt::Key_F2, Qt::Key_Escape, "2", "ulb");
+        row("Return and Shift+Tab", Qt::Key_Return, Qt::Key_Backtab, "new", "SelectESPPB");
+    }
+    void EditInPlace() {
+        const Job job;
+        QFETCH(const Qt::Key, start);
+        QFETCH(const Qt::Key, leave);
+        QFETCH(const QString, address);
+        job.Click(1, 1);
+        QVERIFY(!job.Editor());
+        start == Qt::Key_unknown ? job.Click(1, 1) : job.Press(start);
+        job.Type("xnew");  // over the old text
+        job.Press(Qt::Key_Home);
+        job.Press(Qt::Key_Delete);
+        job.Press(leave);
+        QTRY_VERIFY(!job.Editor());
+        QTEST(QApplication::focusWidget()->objectName(), "heir");
+        QCOMPARE(job.Column(1), (QStringList{"1", address, "3"}));
+        QVERIFY(job.Command().contains("-ca " + address + " -cf @/b.bin"));
+    }
+
+    void InputMethod() {
+        const Job job;
+        job.Click(1, 1);
+        for (const char* text : {" ", "0", "x2"}) {
+            QInputMethodEvent event;
+            event.setCommitString(text);
+            QApplication::sendEvent(QApplication::focusWidget(), &event);
+        }
+        job.Press(Qt::Key_Tab);
+        QCOMPARE(job.Column(1)[1], "0x2");
+    }
+
+    // Start never runs without what the cell shows.
+    void StartCommits() {
+        const Job job;
+        job.Click(0, 1);
+        job.Type("0xAB");
+        job.opened.Click("StartPB");
+        QVERIFY(job.opened.Output().contains("<-ca><0xAB>"));
+    }
+
+    void DoubleClick_data() {
+        QTest::addColumn<int>("selectedRow");
+        QTest::addColumn<int>("column");
+        QTest::newRow("an address of the selected row") << 1 << 1;
+        QTest::newRow("an address of another row") << 0 << 1;
+        QTest::newRow("a file") << 1 << 0;
+    }
+    void DoubleClick() {
+        Job job;
+        QFETCH(const int, selectedRow);
+        QFETCH(const int, column);
+        QStringList seen;
+        job.list.DoubleClick = [&](Listbox&) { seen += job.Editor() ? "open" : "closed"; };
+        job.Click(selectedRow, 0);
+        QTest::mouseDClick(job.Desktop(), Qt::LeftButton, {}, job.InWindow(1, column));
+        QCOMPARE(seen, QStringList{"closed"});
+        // In an editor that was open before it selects a word.
+        job.Press(Qt::Key_F2);
+        QTest::mouseDClick(job.Desktop(), Qt::LeftButton, {}, job.InWindow(1, 1));
+        QVERIFY(job.Editor() && seen.size() == 1);
+    }
+
+    void SelectByKeys_data() {
+        QTest::addColumn<QString>("keys");
+        QTest::addColumn<int>("row");
+        QTest::newRow("Down from none") << "Down" << 0;
+        QTest::newRow("Up from none") << "Up" << 2;
+        QTest::newRow("the space bar, again and again") << "Space, Space, Space" << 0;
+        QTest::newRow("the space bar on a row") << "End, Space, Ctrl+Space" << 2;
+        QTest::newRow("Home and End") << "Down, Home, End" << 2;
+        QTest::newRow("End and Home") << "Up, End, Home" << 0;
+        QTest::newRow("Shift with others") << "Home, Shift+Down, Shift+Down, Shift+Up" << 1;
+        QTest::newRow("Ctrl+A") << "Down, Ctrl+A" << 0;
+        QTest::newRow("a letter from none") << "C" << -1;
+    }
+    void SelectByKeys() {
+        const Job job;
+        QFETCH(const QString, keys);
+        QTest::keySequence(job.Desktop(), QKeySequence(keys));
+        QTEST(static_cast<int>(job.list.ListIndex()), "row");
+        QVERIFY(!job.Editor() && job.view->selectionModel()->selectedRows().size() <= 1);
+        QCOMPARE(job.Column(1), (QStringList{"1", "2", "3"}));
+    }
+
+    void OneRowByClicks() {
+        const Job job;
+        for (const auto held : {Qt::NoModifier, Qt::ShiftModifier, Qt::ControlModifier}) {
+            job.Click(2, 0, held);
+            job.Click(1, 0, held);
+            QVERIFY(job.view->selectionModel()->selectedRows() == QList{job.Index(1, 0)});
+            QVERIFY(job.list.ListIndex() == 1 && job.window.DeletePB().Enabled());
+        }
+        job.Click(1, 0, Qt::ControlModifier);
+        QVERIFY(job.list.ListIndex() == -1 && !job.window.DeletePB().Enabled());
+    }
+
+    void Colours() {
+        const Job job;
+        job.view->resize(334, 200);
+        const auto colour = [&job](int row, int column) {
+            const QImage cell = job.Picture(row, column);
+            return cell.pixel(cell.width() - 3, cell.height() / 2);
+        };
+        QCOMPARE(job.view->model()->headerData(0, Qt::Horizontal).toString(), "File (-cf)");
+        for (int row = 0; row < 3; ++row)
+            for (int column = 0; column < 2; ++column)
+                QCOMPARE(colour(row, column), row == 1 ? 0xFFD2EDF5 : 0xFFD2FFF3);
+        job.Click(2, 0);
+        QVERIFY(colour(2, 0) != 0xFFD2FFF3 && colour(1, 0) == 0xFFD2EDF5);
+    }
+
+    // A file's empty address cell shows a hint, which is no part of its text.
+    void Hint() {
+        const Job job("up,a.bin\nup,b.bin");
+        const auto isPlain = [&job](int row) {
+            const QImage cell = job.Picture(row, 1);
+            return cell == cell.copy(cell.width() - 1, 0, 1, 1).scaled(cell.size());
+        };
+        job.Click(0, 0);
+        QVERIFY(!isPlain(0) && !isPlain(1));
+        QCOMPARE(job.Column(1).join("") + job.Command(), "-cd ck -cb 115200 ");
+        for (int i = 0; i < 2; ++i) {
+            job.Press(Qt::Key_Home);
+            job.Press(Qt::Key_Delete);
+        }
+        QVERIFY(job.Column(0)[0].isEmpty() && isPlain(0));
+    }
+};
+
+QUILLSTONE_TEST(ListTest)
+#include "ListTest.moc"
