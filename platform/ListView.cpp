@@ -5,7 +5,10 @@
 #include <QKeyEvent>
 #include <utility>
 
+#include "platform/ListAccess.h"
+
 ListView::ListView(QWidget* parent) : QTableView(parent) {
+    InstallListAccess();
     setFocusPolicy(Qt::StrongFocus);
     setSelectionBehavior(SelectRows);
     setSelectionMode(SingleSelection);

@@ -1,4 +1,6 @@
-// The list under the user's hands: typing, clicks, keys and colours.
+// The list under the user's hands: typing, clicks, keys, colours, and what a screen reader does.
+#include <QAccessible>
+
 #include "ImageJob.h"
 
 class ListTest : public QObject {
@@ -163,6 +165,30 @@ class ListTest : public QObject {
             job.Press(Qt::Key_Delete);
         }
         QVERIFY(job.Column(0)[0].isEmpty() && isPlain(0));
+    }
+
+    // As a screen reader sees and edits it.
+    void Access() {
+        const Job job;
+        auto* list = QAccessible::queryAccessibleInterface(job.view);
+        const auto* table = list->tableInterface();
+        QVERIFY(list->role() == QAccessible::Table && table->rowCount() == 3);
+        QCOMPARE(table->columnDescription(1), "Address(-ca)");
+        auto* cell = table->cellAt(1, 1);
+        QVERIFY(list->child(list->indexOfChild(cell)) == cell && list->childAt(0, 0) != cell);
+        QCOMPARE(list->childAt(cell->rect().center().x(), cell->rect().center().y()), cell);
+        QCOMPARE(cell->tableCellInterface()->columnHeaderCells()[0]->text(QAccessible::Name),
+                 "Address(-ca)");
+        QVERIFY(cell->state().editable && !table->cellAt(1, 0)->editableTextInterface());
+        cell->editableTextInterface()->replaceText(0, 1, "0x2\n0");
+        QCOMPARE(cell->text(QAccessible::Name), "0x2 0");
+        QVERIFY(job.Command().contains("-ca 0x2 0 -cf @/b.bin"));
+        cell->setText(QAccessible::Value, "");
+        QCOMPARE(cell->text(QAccessible::Description), "address");
+        cell->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+        QVERIFY(job.Editor() && cell->state().selected && table->selectedRows() == QList{1});
+        job.Load("up,a.bin");
+        QVERIFY(!cell->isValid() && !cell->state().selected);
     }
 };
 
