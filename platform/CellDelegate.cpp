@@ -3,7 +3,11 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPainter>
+#include <QStyledItemDelegate>
+#include <QTableView>
+#include <utility>
 
+#include "platform/Graphics.h"
 #include "platform/ListModel.h"
 #include "platform/ListView.h"
 #include "platform/TextEdit.h"
@@ -16,17 +20,41 @@ constexpr qsizetype kShown = 2000;  // more of a text than a cell is ever wide
 // list has no focus.
 constexpr QRgb kHintColor = 0xFF555555;
 
-}  // namespace
+using BackgroundPainter = std::function<bool(Graphics&, int row, int column)>;
 
-class CellDelegate::Editor : public QLineEdit {
+class CellDelegate : public QStyledItemDelegate {
+  public:
+    CellDelegate(QTableView& view, BackgroundPainter paintBackground)
+        : QStyledItemDelegate(&view), mView(view), mPaintBackground(std::move(paintBackground)) {}
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override;
+    QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option,
+                          const QModelIndex& index) const override;
+    void setEditorData(QWidget* widget, const QModelIndex& index) const override;
+    void setModelData(QWidget* widget, QAbstractItemModel* model,
+                      const QModelIndex& index) const override;
+    void updateEditorGeometry(QWidget* editor, const QStyleOptionViewItem& option,
+                              const QModelIndex& index) const override;
+
+  protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override;
+    bool eventFilter(QObject* object, QEvent* event) override;
+
+  private:
+    void Commit(QWidget* editor);
+
+    QTableView& mView;
+    const BackgroundPainter mPaintBackground;
+};
+
+class Editor : public QLineEdit {
   public:
     using QLineEdit::QLineEdit;
 
     QString given;            // the text that it was opened with
     bool wasPressed = false;  // by the mouse, since it was opened
 };
-
-CellDelegate::CellDelegate(ListView& view) : QStyledItemDelegate(&view), mView(view) {}
 
 void CellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                          const QModelIndex& index) const {
@@ -35,7 +63,8 @@ void CellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     painter->setClipRect(cell);
     painter->translate(cell.topLeft());
     Graphics graphics(painter, cell.width(), cell.height());
-    const bool claimed = PaintBackground && PaintBackground(graphics, index.row(), index.column());
+    const bool claimed =
+        mPaintBackground && mPaintBackground(graphics, index.row(), index.column());
     painter->restore();
     if (claimed) return;
 
@@ -104,7 +133,7 @@ bool CellDelegate::eventFilter(QObject* object, QEvent* event) {
             const int key = static_cast<QKeyEvent*>(event)->key();
             if (key != Qt::Key_Tab && key != Qt::Key_Backtab) break;
             Commit(editor);
-            mView.FocusNeighbour(key == Qt::Key_Tab);
+            FocusNeighbour(mView, key == Qt::Key_Tab);
             return true;
         }
         case QEvent::MouseButtonPress:
@@ -114,7 +143,7 @@ bool CellDelegate::eventFilter(QObject* object, QEvent* event) {
         case QEvent::MouseButtonDblClick:
             if (editor->wasPressed) break;
             Commit(editor);
-            if (mView.DoubleClicked) mView.DoubleClicked();
+            RaiseDoubleClicked(mView);
             return true;
         // The menu bar gives the focus back, and its items act on the editor meanwhile.
         case QEvent::FocusOut:
@@ -124,4 +153,10 @@ bool CellDelegate::eventFilter(QObject* object, QEvent* event) {
             break;
     }
     return QStyledItemDelegate::eventFilter(object, event);
+}
+
+}  // namespace
+
+QAbstractItemDelegate* NewCellDelegate(QTableView& view, BackgroundPainter paintBackground) {
+    return new CellDelegate(view, std::move(paintBackground));
 }

@@ -5,6 +5,8 @@
 #include <QHash>
 #include <QHeaderView>
 #include <QPointer>
+#include <QTableView>
+#include <utility>
 
 #include "platform/ListModel.h"
 #include "platform/ListView.h"
@@ -19,7 +21,7 @@ class CellAccess : public QAccessibleInterface,
                    public QAccessibleTextInterface,
                    public QAccessibleEditableTextInterface {
   public:
-    CellAccess(ListView& view, int row, int column) : mView(&view), mRow(row), mColumn(column) {}
+    CellAccess(QTableView& view, int row, int column) : mView(&view), mRow(row), mColumn(column) {}
 
     bool isValid() const override {
         const QAbstractItemModel* model = mView ? mView->model() : nullptr;
@@ -86,7 +88,7 @@ class CellAccess : public QAccessibleInterface,
     QString Text() const { return Index().data().toString(); }
     bool IsEditable() const { return isValid() && Index().flags().testFlag(Qt::ItemIsEditable); }
 
-    QPointer<ListView> mView;
+    QPointer<QTableView> mView;
     int mRow, mColumn;
 };
 
@@ -163,15 +165,15 @@ QStringList CellAccess::actionNames() const {
 void CellAccess::doAction(const QString& name) {
     if (!actionNames().contains(name)) return;
     mView->setFocus();
-    mView->SelectRow(mRow);
-    if (name == pressAction()) mView->EditRow(mRow);
+    SelectRow(*mView, mRow);
+    if (name == pressAction()) EditRow(*mView, mRow);
 }
 
 // The children are counted as Qt's view counts them in what it announces: a row of headings first,
 // and a heading before each row.
 class TableAccess : public QAccessibleWidget, public QAccessibleTableInterface {
   public:
-    explicit TableAccess(ListView& view)
+    explicit TableAccess(QTableView& view)
         : QAccessibleWidget(&view, QAccessible::Table), mView(view) {}
     TableAccess(const TableAccess&) = delete;
     TableAccess& operator=(const TableAccess&) = delete;
@@ -209,7 +211,7 @@ class TableAccess : public QAccessibleWidget, public QAccessibleTableInterface {
 
     int selectedRowCount() const override { return static_cast<int>(selectedRows().size()); }
     QList<int> selectedRows() const override {
-        const int row = rowCount() > 0 ? mView.SelectedRow() : -1;
+        const int row = rowCount() > 0 ? SelectedRow(mView) : -1;
         return row < 0 ? QList<int>() : QList<int>{row};
     }
     bool isRowSelected(int row) const override { return selectedRows().contains(row); }
@@ -224,7 +226,7 @@ class TableAccess : public QAccessibleWidget, public QAccessibleTableInterface {
         return cells;
     }
     bool selectRow(int row) override {
-        mView.SelectRow(row);
+        SelectRow(mView, row);
         return isRowSelected(row);
     }
     bool unselectRow(int row) override {
@@ -241,7 +243,7 @@ class TableAccess : public QAccessibleWidget, public QAccessibleTableInterface {
         return index.isValid() ? cellAt(index.row(), index.column()) : nullptr;
     }
 
-    ListView& mView;
+    QTableView& mView;
     mutable QHash<int, QAccessible::Id> mCells;  // by child's index; Qt owns them
 };
 
@@ -256,7 +258,7 @@ QAccessibleInterface* TableAccess::child(int index) const {
 }
 
 QAccessibleInterface* Create(const QString&, QObject* object) {
-    auto* view = dynamic_cast<ListView*>(object);
+    QTableView* view = AsListView(object);
     return view ? new TableAccess(*view) : nullptr;
 }
 

@@ -1,74 +1,108 @@
 #include "platform/ListModel.h"
 
+#include <QAbstractTableModel>
 #include <algorithm>
 
 #include "platform/QtText.h"
 
-ListModel::Cell* ListModel::At(std::int64_t row, std::int64_t column) {
-    if (row < 0 || row >= rowCount() || column < 0 || column >= columnCount()) return nullptr;
-    return &mRows[static_cast<std::size_t>(row)][static_cast<std::size_t>(column)];
-}
+static_assert(ListModel::kHintRole == Qt::UserRole);
 
-const ListModel::Cell& ListModel::At(const QModelIndex& index) const {
-    return mRows[static_cast<std::size_t>(index.row())][static_cast<std::size_t>(index.column())];
+class ListModel::Table : public QAbstractTableModel {
+  public:
+    explicit Table(ListModel& model) : mModel(model) {}
+
+    void Changed(int row, int firstColumn) {
+        emit dataChanged(index(row, firstColumn), index(row, columnCount() - 1));
+    }
+
+    void Insert(int row, std::vector<Cell> cells) {
+        beginInsertRows({}, row, row);
+        mModel.mRows.insert(mModel.mRows.begin() + row, std::move(cells));
+        endInsertRows();
+    }
+
+    void Remove(int row) {
+        beginRemoveRows({}, row, row);
+        mModel.mRows.erase(mModel.mRows.begin() + row);
+        endRemoveRows();
+    }
+
+    void Clear() {
+        beginResetModel();
+        mModel.mRows.clear();
+        endResetModel();
+    }
+
+    int rowCount(const QModelIndex& = {}) const override {
+        return static_cast<int>(mModel.RowCount());
+    }
+
+    int columnCount(const QModelIndex& = {}) const override {
+        return static_cast<int>(mModel.mHeadings.size());
+    }
+
+    QVariant data(const QModelIndex& index, int role) const override {
+        const Cell& cell = At(index);
+        if (role == Qt::DisplayRole || role == Qt::EditRole) return ToQt(cell.text);
+        const bool misses = role == kHintRole && cell.text.empty() &&
+                            cell.type == Listbox::kEditable &&
+                            !At(index.siblingAtColumn(0)).text.empty();
+        return misses ? ToQt(mModel.mHint) : QVariant();
+    }
+
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override {
+        if (orientation != Qt::Horizontal || role != Qt::DisplayRole) return {};
+        return ToQt(mModel.mHeadings[static_cast<std::size_t>(section)]);
+    }
+
+    Qt::ItemFlags flags(const QModelIndex& index) const override {
+        const auto flags = QAbstractTableModel::flags(index);
+        const bool editable = index.isValid() && At(index).type == Listbox::kEditable;
+        return editable ? flags | Qt::ItemIsEditable : flags;
+    }
+
+    // Takes a text of the user's.
+    bool setData(const QModelIndex& index, const QVariant& value, int) override {
+        QString shown = value.toString();
+        Cell& cell = At(index);
+        if (FromQt(shown) == cell.text) return true;
+        // A cell is one line. An editor shows a pasted line end as a space, so that is what it
+        // gives.
+        cell.text = FromQt(shown.replace(u'\n', u' ').replace(u'\r', u' '));
+        mModel.Changed(index.row(), index.column());
+        if (mModel.Edited) mModel.Edited(index.row(), index.column());
+        return true;
+    }
+
+  private:
+    Cell& At(const QModelIndex& index) const { return *mModel.At(index.row(), index.column()); }
+
+    ListModel& mModel;
+};
+
+ListModel::ListModel(std::vector<std::string> headings)
+    : mHeadings(std::move(headings)), mTable(std::make_unique<Table>(*this)) {}
+
+ListModel::~ListModel() = default;
+
+QAbstractItemModel* ListModel::Native() const { return mTable.get(); }
+
+ListModel::Cell* ListModel::At(std::int64_t row, std::int64_t column) {
+    const auto at = static_cast<std::size_t>(row), in = static_cast<std::size_t>(column);
+    return at < mRows.size() && in < mHeadings.size() ? &mRows[at][in] : nullptr;
 }
 
 // Up to the row's end: whether a cell shows its hint depends on the row's first cell.
 void ListModel::Changed(std::int64_t row, std::int64_t column) {
-    emit dataChanged(index(static_cast<int>(row), static_cast<int>(column)),
-                     index(static_cast<int>(row), columnCount() - 1));
+    mTable->Changed(static_cast<int>(row), static_cast<int>(column));
 }
 
 void ListModel::Append(const std::vector<std::string>& texts) {
     std::vector<Cell> cells(mHeadings.size());
     for (std::size_t i = 0; i < std::min(texts.size(), cells.size()); ++i) cells[i].text = texts[i];
-    beginInsertRows({}, rowCount(), rowCount());
-    mRows.push_back(std::move(cells));
-    endInsertRows();
+    mTable->Insert(static_cast<int>(RowCount()), std::move(cells));
 }
 
-void ListModel::Remove(std::int64_t row) {
-    beginRemoveRows({}, static_cast<int>(row), static_cast<int>(row));
-    mRows.erase(mRows.begin() + row);
-    endRemoveRows();
-}
+void ListModel::Remove(std::int64_t row) { mTable->Remove(static_cast<int>(row)); }
 
-void ListModel::Clear() {
-    beginResetModel();
-    mRows.clear();
-    endResetModel();
-}
-
-int ListModel::rowCount(const QModelIndex&) const { return static_cast<int>(mRows.size()); }
-
-int ListModel::columnCount(const QModelIndex&) const { return static_cast<int>(mHeadings.size()); }
-
-QVariant ListModel::data(const QModelIndex& index, int role) const {
-    const Cell& cell = At(index);
-    if (role == Qt::DisplayRole || role == Qt::EditRole) return ToQt(cell.text);
-    const bool misses = role == kHintRole && cell.text.empty() && cell.type == Listbox::kEditable &&
-                        !At(index.siblingAtColumn(0)).text.empty();
-    return misses ? ToQt(mHint) : QVariant();
-}
-
-QVariant ListModel::headerData(int section, Qt::Orientation orientation, int role) const {
-    if (orientation != Qt::Horizontal || role != Qt::DisplayRole) return {};
-    return ToQt(mHeadings[static_cast<std::size_t>(section)]);
-}
-
-Qt::ItemFlags ListModel::flags(const QModelIndex& index) const {
-    const auto flags = QAbstractTableModel::flags(index);
-    const bool editable = index.isValid() && At(index).type == Listbox::kEditable;
-    return editable ? flags | Qt::ItemIsEditable : flags;
-}
-
-bool ListModel::setData(const QModelIndex& index, const QVariant& value, int) {
-    QString shown = value.toString();
-    Cell& cell = *At(index.row(), index.column());
-    if (FromQt(shown) == cell.text) return true;
-    // A cell is one line. An editor shows a pasted line end as a space, so that is what it gives.
-    cell.text = FromQt(shown.replace(u'\n', u' ').replace(u'\r', u' '));
-    Changed(index.row(), index.column());
-    if (Edited) Edited(index.row(), index.column());
-    return true;
-}
+void ListModel::Clear() { mTable->Clear(); }

@@ -1,15 +1,19 @@
-// The rows of a list, in the form in which Qt's view reads them. For the platform's own files.
+// The rows of a list, and the Qt model through which a view reads them. For the platform's own
+// files.
 #pragma once
 
-#include <QAbstractTableModel>
+#include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "platform/Listbox.h"
 
-class ListModel : public QAbstractTableModel {
+class QAbstractItemModel;
+
+class ListModel {
   public:
     struct Cell {
         std::string text;
@@ -18,12 +22,17 @@ class ListModel : public QAbstractTableModel {
     };
 
     // Beside Qt's roles: the hint that is shown in the cell now, empty for none.
-    static constexpr int kHintRole = Qt::UserRole;
+    static constexpr int kHintRole = 0x0100;
 
-    explicit ListModel(std::vector<std::string> headings) : mHeadings(std::move(headings)) {}
+    explicit ListModel(std::vector<std::string> headings);
+    ~ListModel();
+
+    // For a view, which must let go of it before this object dies.
+    QAbstractItemModel* Native() const;
 
     // nullptr outside the table.
     Cell* At(std::int64_t row, std::int64_t column);
+    std::int64_t RowCount() const { return static_cast<std::int64_t>(mRows.size()); }
     // Tells the view that a cell has another text.
     void Changed(std::int64_t row, std::int64_t column);
     void Append(const std::vector<std::string>& texts);
@@ -34,18 +43,11 @@ class ListModel : public QAbstractTableModel {
     // The user has changed a cell's text.
     std::function<void(int row, int column)> Edited;
 
-    int rowCount(const QModelIndex& parent = {}) const override;
-    int columnCount(const QModelIndex& parent = {}) const override;
-    QVariant data(const QModelIndex& index, int role) const override;
-    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
-    Qt::ItemFlags flags(const QModelIndex& index) const override;
-    // Takes a text of the user's.
-    bool setData(const QModelIndex& index, const QVariant& value, int role) override;
-
   private:
-    const Cell& At(const QModelIndex& index) const;
+    class Table;
 
     std::vector<std::string> mHeadings;
     std::vector<std::vector<Cell>> mRows;
     std::string mHint;
+    std::unique_ptr<Table> mTable;
 };

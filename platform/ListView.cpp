@@ -3,11 +3,50 @@
 #include <QCoreApplication>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QPersistentModelIndex>
+#include <QTableView>
 #include <utility>
 
 #include "platform/ListAccess.h"
 
-ListView::ListView(QWidget* parent) : QTableView(parent) {
+namespace {
+
+class ListView : public QTableView {
+  public:
+    ListView(QWidget* parent, ListViewEvents events);
+
+    void FocusNeighbour(bool next) { focusNextPrevChild(next); }
+    // Typing must not look for rows.
+    void keyboardSearch(const QString&) override {}
+
+    const ListViewEvents Events;
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void inputMethodEvent(QInputMethodEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
+  private:
+    bool TakeKey(QKeyEvent& event);
+
+    // The cell that is edited when the button is let go over it.
+    QPersistentModelIndex mPressed;
+};
+
+QModelIndex EditableCell(const QTableView& view, int row) {
+    const QAbstractItemModel& model = *view.model();
+    for (int column = 0; column < model.columnCount(); ++column) {
+        const QModelIndex cell = model.index(row, column);
+        if (cell.flags().testFlag(Qt::ItemIsEditable)) return cell;
+    }
+    return {};
+}
+
+ListView::ListView(QWidget* parent, ListViewEvents events)
+    : QTableView(parent), Events(std::move(events)) {
     InstallListAccess();
     setFocusPolicy(Qt::StrongFocus);
     setSelectionBehavior(SelectRows);
@@ -27,36 +66,6 @@ ListView::ListView(QWidget* parent) : QTableView(parent) {
     horizontalHeader()->setMinimumSectionSize(1);
 }
 
-void ListView::FixedWidth(int width) {
-    horizontalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    horizontalHeader()->setDefaultSectionSize(width);
-    horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
-}
-
-int ListView::SelectedRow() const {
-    const auto rows = selectionModel()->selectedRows();
-    return rows.isEmpty() ? -1 : rows.front().row();
-}
-
-void ListView::SelectRow(int row) {
-    if (row >= 0 && row < model()->rowCount()) selectRow(row);
-}
-
-void ListView::EditRow(int row) {
-    const QModelIndex cell = EditableCell(row);
-    if (!cell.isValid()) return;
-    setCurrentIndex(cell);
-    edit(cell);
-}
-
-QModelIndex ListView::EditableCell(int row) const {
-    for (int column = 0; column < model()->columnCount(); ++column) {
-        const QModelIndex cell = model()->index(row, column);
-        if (cell.flags().testFlag(Qt::ItemIsEditable)) return cell;
-    }
-    return {};
-}
-
 // An open editor passes on the keys that it has no use for, the arrows up and down for example.
 void ListView::keyPressEvent(QKeyEvent* event) {
     if (state() == EditingState || !TakeKey(*event)) QTableView::keyPressEvent(event);
@@ -68,38 +77,39 @@ void ListView::keyPressEvent(QKeyEvent* event) {
 bool ListView::TakeKey(QKeyEvent& event) {
     const bool modified =
         event.modifiers().testAnyFlags(Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier);
-    const int row = SelectedRow();
+    const int row = SelectedRow(*this);
     switch (event.key()) {
         case Qt::Key_Home:
-            SelectRow(0);
+            SelectRow(*this, 0);
             return true;
         case Qt::Key_End:
-            SelectRow(model()->rowCount() - 1);
+            SelectRow(*this, model()->rowCount() - 1);
             return true;
         case Qt::Key_Space:
         case Qt::Key_Select:
-            if (row < 0) SelectRow(0);
+            if (row < 0) SelectRow(*this, 0);
             return true;
         case Qt::Key_Down:
-            if (row < 0) SelectRow(0);
+            if (row < 0) SelectRow(*this, 0);
             return row < 0;
         case Qt::Key_Up:
-            if (row < 0) SelectRow(model()->rowCount() - 1);
+            if (row < 0) SelectRow(*this, model()->rowCount() - 1);
             return row < 0;
         case Qt::Key_Delete:
-            if (row >= 0 && !modified && !event.isAutoRepeat() && DeletePressed) DeletePressed();
+            if (row >= 0 && !modified && !event.isAutoRepeat() && Events.DeletePressed)
+                Events.DeletePressed();
             return true;
         case Qt::Key_F2:
         case Qt::Key_Return:
         case Qt::Key_Enter:
             if (row < 0 || modified || event.isAutoRepeat()) return false;
-            EditRow(row);
+            EditRow(*this, row);
             return true;
         default:
             break;
     }
     if (modified || event.text().isEmpty() || !event.text()[0].isPrint()) return false;
-    if (const QModelIndex cell = EditableCell(row); cell.isValid()) {
+    if (const QModelIndex cell = EditableCell(*this, row); cell.isValid()) {
         setCurrentIndex(cell);
         edit(cell, AnyKeyPressed, &event);
     }
@@ -110,9 +120,9 @@ bool ListView::TakeKey(QKeyEvent& event) {
 void ListView::inputMethodEvent(QInputMethodEvent* event) {
     const QString& text = event->commitString();
     if (state() == EditingState || text.isEmpty()) {
-        if (SelectedRow() >= 0) QTableView::inputMethodEvent(event);
+        if (SelectedRow(*this) >= 0) QTableView::inputMethodEvent(event);
     } else if (!text.trimmed().isEmpty()) {
-        EditRow(SelectedRow());
+        EditRow(*this, SelectedRow(*this));
         if (QWidget* editor = indexWidget(currentIndex()))
             QCoreApplication::sendEvent(editor, event);
     }
@@ -135,11 +145,51 @@ void ListView::mouseReleaseEvent(QMouseEvent* event) {
 
 void ListView::mouseDoubleClickEvent(QMouseEvent* event) {
     QTableView::mouseDoubleClickEvent(event);
-    if (event->button() == Qt::LeftButton && DoubleClicked) DoubleClicked();
+    if (event->button() == Qt::LeftButton) RaiseDoubleClicked(*this);
 }
 
 void ListView::changeEvent(QEvent* event) {
     QTableView::changeEvent(event);
     if (event->type() == QEvent::FontChange)
         verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 4);
+}
+
+}  // namespace
+
+QTableView* NewListView(QWidget* parent, ListViewEvents events) {
+    return new ListView(parent, std::move(events));
+}
+
+QTableView* AsListView(QObject* object) { return dynamic_cast<ListView*>(object); }
+
+void SetFixedWidth(QTableView& view, int width) {
+    QHeaderView& header = *view.horizontalHeader();
+    header.setSectionResizeMode(QHeaderView::Fixed);
+    header.setDefaultSectionSize(width);
+    header.setSectionResizeMode(0, QHeaderView::Stretch);
+}
+
+int SelectedRow(const QTableView& view) {
+    const auto rows = view.selectionModel()->selectedRows();
+    return rows.isEmpty() ? -1 : rows.front().row();
+}
+
+void SelectRow(QTableView& view, int row) {
+    if (row >= 0 && row < view.model()->rowCount()) view.selectRow(row);
+}
+
+void EditRow(QTableView& view, int row) {
+    const QModelIndex cell = EditableCell(view, row);
+    if (!cell.isValid()) return;
+    view.setCurrentIndex(cell);
+    view.edit(cell);
+}
+
+void FocusNeighbour(QTableView& view, bool next) {
+    static_cast<ListView&>(view).FocusNeighbour(next);
+}
+
+void RaiseDoubleClicked(QTableView& view) {
+    const auto& handler = static_cast<ListView&>(view).Events.DoubleClicked;
+    if (handler) handler();
 }

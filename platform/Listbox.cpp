@@ -1,5 +1,7 @@
 #include "platform/Listbox.h"
 
+#include <QTableView>
+
 #include "platform/CellDelegate.h"
 #include "platform/ListModel.h"
 #include "platform/ListView.h"
@@ -7,28 +9,26 @@
 
 Listbox::Listbox(Window& owner, std::string name, const std::vector<std::string>& headings,
                  int fixedWidth)
-    : RectControl(std::move(name), new ListView(ContentOf(owner))),
+    : RectControl(std::move(name),
+                  NewListView(ContentOf(owner), {.DoubleClicked = [this] { Raise(DoubleClick); },
+                                                 .DeletePressed = [this] { Raise(DeleteKey); }})),
       mModel(std::make_unique<ListModel>(headings)) {
-    ListView& view = View();
-    auto* delegate = new CellDelegate(view);
-    view.setModel(mModel.get());
-    view.setItemDelegate(delegate);
-    view.FixedWidth(fixedWidth);
+    QTableView& view = View();
+    view.setModel(mModel->Native());
+    view.setItemDelegate(NewCellDelegate(view, [this](Graphics& graphics, int row, int column) {
+        return Raise(CellBackgroundPaint, graphics, row, column);
+    }));
+    SetFixedWidth(view, fixedWidth);
     QObject::connect(view.selectionModel(), &QItemSelectionModel::selectionChanged, &view, [this] {
         if (!mClearing) Raise(Change);
     });
-    view.DoubleClicked = [this] { Raise(DoubleClick); };
-    view.DeletePressed = [this] { Raise(DeleteKey); };
     mModel->Edited = [this](int row, int column) { Raise(CellTextChange, row, column); };
-    delegate->PaintBackground = [this](Graphics& graphics, int row, int column) {
-        return Raise(CellBackgroundPaint, graphics, row, column);
-    };
 }
 
 // The view lives on for a moment. It closes an open editor, and must not read the model after that.
 Listbox::~Listbox() { View().setModel(nullptr); }
 
-ListView& Listbox::View() const { return static_cast<ListView&>(*Native()); }
+QTableView& Listbox::View() const { return static_cast<QTableView&>(*Native()); }
 
 void Listbox::CellHint(std::string_view hint) { mModel->Hint(hint); }
 
@@ -57,9 +57,9 @@ void Listbox::CellType(std::int64_t row, std::int64_t column, int type) {
     if (auto* cell = mModel->At(row, column)) cell->type = type;
 }
 
-std::int64_t Listbox::ListIndex() const { return View().SelectedRow(); }
+std::int64_t Listbox::ListIndex() const { return SelectedRow(View()); }
 
-std::int64_t Listbox::ListCount() const { return mModel->rowCount(); }
+std::int64_t Listbox::ListCount() const { return mModel->RowCount(); }
 
 void Listbox::AddRow(const std::vector<std::string>& texts) { mModel->Append(texts); }
 

@@ -9,7 +9,7 @@
 #include "platform/Graphics.h"
 
 class ListModel;
-class ListView;
+class QTableView;
 
 // A value of any type; empty is nil.
 using Variant = std::any;
@@ -66,7 +66,7 @@ class Listbox : public RectControl {
         CellBackgroundPaint;
 
   private:
-    ListView& View() const;
+    QTableView& View() const;
     void ClearSelection();
 
     std::unique_ptr<ListModel> mModel;
