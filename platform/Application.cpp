@@ -1,6 +1,8 @@
 #include "platform/Application.h"
 
 #include <QApplication>
+#include <QDropEvent>
+#include <QMimeData>
 #include <QPalette>
 #include <QStyleHints>
 #include <cstdio>
@@ -10,11 +12,22 @@
 
 namespace {
 
+// A file or a link on its way over a window. The text controls would take it as text.
+bool IsFileDrag(QEvent& event) {
+    const auto type = event.type();
+    return (type == QEvent::DragEnter || type == QEvent::DragMove || type == QEvent::Drop) &&
+           static_cast<QDropEvent&>(event).mimeData()->hasUrls();
+}
+
 class Toolkit : public QApplication {
   public:
     using QApplication::QApplication;
 
     bool notify(QObject* receiver, QEvent* event) override {
+        if (IsFileDrag(*event)) {
+            event->ignore();  // nothing in the program takes a file that is dropped on it
+            return false;
+        }
         try {
             return QApplication::notify(receiver, event);
         } catch (const std::exception& exception) {
