@@ -2,13 +2,17 @@
 
 #include <QApplication>
 #include <QDropEvent>
+#include <QLibraryInfo>
+#include <QLocale>
 #include <QMimeData>
 #include <QPalette>
 #include <QStyleHints>
+#include <QTranslator>
 #include <cstdio>
 #include <optional>
+#include <vector>
 
-#include "platform/Window.h"
+#include "platform/HeldKey.h"
 
 namespace {
 
@@ -19,11 +23,12 @@ bool IsFileDrag(QEvent& event) {
            static_cast<QDropEvent&>(event).mimeData()->hasUrls();
 }
 
-class Toolkit : public QApplication {
+class QtApplication : public QApplication {
   public:
     using QApplication::QApplication;
 
     bool notify(QObject* receiver, QEvent* event) override {
+        WatchForHeldKey(*event);
         if (IsFileDrag(*event)) {
             event->ignore();  // nothing in the program takes a file that is dropped on it
             return false;
@@ -39,7 +44,8 @@ class Toolkit : public QApplication {
 
 struct Program {
     std::shared_ptr<Application> application;
-    std::unique_ptr<QApplication> toolkit;
+    std::unique_ptr<QApplication> qt;
+    std::vector<std::function<void()>> atEnd;
     std::optional<int> exitCode;  // set by the first Quit
 };
 
@@ -66,6 +72,16 @@ QPalette LightPalette() {
     return palette;
 }
 
+// For what Qt itself says, as in its file dialog, where its translations are installed.
+void SpeakTheUsersLanguage() {
+    // A translation sets the direction of its language. The window's places don't turn round.
+    QApplication::setLayoutDirection(Qt::LeftToRight);
+    auto* translator = new QTranslator(qApp);
+    if (translator->load(QLocale(), QStringLiteral("qtbase"), QStringLiteral("_"),
+                         QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QApplication::installTranslator(translator);
+}
+
 }  // namespace
 
 void RegisterApplication(std::shared_ptr<Application> application) {
@@ -84,16 +100,17 @@ void SetSupportsHiDPI(bool supported) {
 }
 
 void InitializeFramework(const std::function<void()>& ready) {
-    // Command line arguments change nothing, so the toolkit gets none to see.
+    // Command line arguments change nothing, so Qt gets none to see.
     static char name[] = "quillstone";
     static char* arguments[] = {name, nullptr};
     static int count = 1;
-    TheProgram().toolkit = std::make_unique<Toolkit>(count, arguments);
+    TheProgram().qt = std::make_unique<QtApplication>(count, arguments);
     QApplication::setStyle("fusion");
     QApplication::setPalette(LightPalette());
     QApplication::setDesktopFileName("local.quillstone.Quillstone");
     QApplication::setQuitOnLastWindowClosed(false);  // the window says what closing it means
     QGuiApplication::styleHints()->setTabFocusBehavior(Qt::TabFocusAllControls);
+    SpeakTheUsersLanguage();
     ready();
 }
 
@@ -112,9 +129,11 @@ void UnhandledException(const std::exception& exception) {
     QApplication::exit(1);
 }
 
+void AtEnd(std::function<void()> release) { TheProgram().atEnd.push_back(std::move(release)); }
+
 int EndFramework() {
-    Window::ReleaseAll();
+    for (const auto& release : std::exchange(TheProgram().atEnd, {})) release();
     TheProgram().application.reset();
-    TheProgram().toolkit.reset();
+    TheProgram().qt.reset();
     return TheProgram().exitCode.value_or(0);
 }

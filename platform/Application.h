@@ -28,7 +28,7 @@ std::shared_ptr<MenuBar> ApplicationMenuBar();
 // Declares support of high-resolution displays. Before InitializeFramework.
 void SetSupportsHiDPI(bool supported);
 
-// Brings the toolkit up and calls `ready`.
+// Brings Qt up and calls `ready`.
 void InitializeFramework(const std::function<void()>& ready);
 
 // Runs until Quit.
@@ -40,5 +40,9 @@ void Quit(int exitCode);
 // What is left of an exception that nothing caught: a line on standard error, and Quit with 1.
 void UnhandledException(const std::exception& exception);
 
-// Releases windows, application object and toolkit, in this order, and returns the exit code.
+// Has `release` called by EndFramework, while Qt is still there.
+void AtEnd(std::function<void()> release);
+
+// Calls what AtEnd was given, releases the application object and Qt, in this order, and returns
+// the exit code.
 int EndFramework();

@@ -2,11 +2,12 @@
 
 #include <QCheckBox>
 
+#include "platform/HeldKey.h"
 #include "platform/Native.h"
 #include "platform/QtText.h"
 
 CheckBox::CheckBox(Window& owner, std::string name)
-    : RectControl(std::move(name), new QCheckBox(ContentOf(owner))) {
+    : RectControl(std::move(name), new PressedOnce<QCheckBox>(ContentOf(owner))) {
     Native()->setFocusPolicy(Qt::StrongFocus);
 }
 

@@ -7,6 +7,7 @@
 #include <QWidget>
 #include <algorithm>
 
+#include "platform/HeldKey.h"
 #include "platform/QtText.h"
 
 namespace {
@@ -23,17 +24,23 @@ QWidget* Neighbour(const QWidget& widget, QWidget* (QWidget::*step)() const) {
     return nullptr;
 }
 
-bool IsModifier(const QKeyEvent* event) {
-    const int key = event->key();
+bool IsModifier(int key) {
     return key == Qt::Key_Control || key == Qt::Key_Shift || key == Qt::Key_Alt ||
            key == Qt::Key_Meta;
 }
 
+// The user does something else. A modifier key alone may belong to the keys that stop a run, and a
+// key that is held down may be the one that started it.
+bool IsNewInput(const QEvent& event) {
+    if (event.type() == QEvent::MouseButtonPress) return true;
+    if (event.type() != QEvent::KeyPress) return false;
+    return !IsModifier(static_cast<const QKeyEvent&>(event).key()) && !KeyIsHeld();
+}
+
 }  // namespace
 
-// The focus of a control that was disabled while it had it. It comes back unless the user has
-// pressed a key or a mouse button meanwhile. A modifier key alone doesn't count: it may belong to
-// the keys that stop a run.
+// The focus of a control that was disabled while it had it. It comes back unless there was new
+// input meanwhile.
 class RectControl::FocusLoan : public QObject {
   public:
     FocusLoan() { qApp->installEventFilter(this); }
@@ -42,9 +49,7 @@ class RectControl::FocusLoan : public QObject {
 
   protected:
     bool eventFilter(QObject*, QEvent* event) override {
-        if (event->type() == QEvent::MouseButtonPress ||
-            (event->type() == QEvent::KeyPress && !IsModifier(static_cast<QKeyEvent*>(event))))
-            mComesBack = false;
+        if (IsNewInput(*event)) mComesBack = false;
         return false;
     }
 
@@ -84,6 +89,14 @@ void RectControl::Place(const ControlPlace& place) {
 }
 
 void RectControl::AccessibleName(std::string_view name) { mNative->setAccessibleName(ToQt(name)); }
+
+void RectControl::AccessibleDescription(std::string_view description) {
+    mNative->setAccessibleDescription(ToQt(description));
+}
+
+void RectControl::HelpTag(std::string_view text) { mNative->setToolTip(ToQt(text)); }
+
+void RectControl::SetFocus() { mNative->setFocus(); }
 
 void RectControl::FollowWindow(int grownWidth, int grownHeight) {
     const auto stretch = [](bool near, bool far, int grown) { return near && far ? grown : 0; };

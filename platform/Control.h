@@ -70,8 +70,14 @@ class RectControl : public Control {
     void Place(const ControlPlace& place);
     int TabIndex() const { return mPlace.TabIndex; }
 
-    // What a screen reader calls the control.
+    // What a screen reader calls the control, and what it says of it besides.
     void AccessibleName(std::string_view name);
+    void AccessibleDescription(std::string_view description);
+
+    // The tooltip; empty for none.
+    void HelpTag(std::string_view text);
+
+    void SetFocus();
 
     // The control's place once the content has grown by so much from its design size.
     void FollowWindow(int grownWidth, int grownHeight);

@@ -13,3 +13,7 @@ Label::Label(Window& owner, std::string name)
 }
 
 void Label::Text(std::string_view text) { static_cast<QLabel*>(Native())->setText(ToQt(text)); }
+
+void Label::Names(const RectControl& control) {
+    static_cast<QLabel*>(Native())->setBuddy(control.Native());
+}

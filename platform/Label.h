@@ -7,4 +7,6 @@ class Label : public RectControl {
   public:
     Label(Window& owner, std::string name);
     void Text(std::string_view text);
+    // Makes this the label of the control for screen readers.
+    void Names(const RectControl& control);
 };

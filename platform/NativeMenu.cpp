@@ -109,7 +109,7 @@ class EditItems : public QObject {
         const EditCommand* command;
     };
     std::vector<Item> mItems;
-    QPointer<QObject> mFollowed;  // no more than that when it loses the focus by its destruction
+    QPointer<QObject> mFollowed;  // only a QObject is left if its destruction moved the focus
     QPointer<QLineEdit> mLine;
     QPointer<QPlainTextEdit> mArea;
 };

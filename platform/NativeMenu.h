@@ -1,8 +1,8 @@
-// The toolkit's menu bar, built from the program's. For the platform's own files.
+// Qt's menu bar, built from the program's. For the platform's own files.
 #pragma once
 
 class QMenuBar;
 class MenuBar;
 
-// Adds the menus to `native`. The toolkit's items live as long as it does.
+// Adds the menus to `native`. Qt's items live as long as it does.
 void BuildMenuBar(QMenuBar& native, const MenuBar& menus);

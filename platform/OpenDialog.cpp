@@ -6,6 +6,7 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QLayout>
+#include <QLocale>
 #include <QSettings>
 #include <QTreeView>
 
@@ -39,7 +40,7 @@ FolderItemRef OpenDialog::InitialDirectory() const {
 }
 
 FolderItemRef OpenDialog::ShowModal() {
-    // The toolkit's own dialog would write the folders that it has seen into a file of the user's.
+    // Qt's own dialog would write the folders that it has seen into a file of the user's.
     // Nothing of ours outlasts the program.
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("/dev/null"));
     QFileDialog dialog(QApplication::activeWindow());
@@ -50,8 +51,9 @@ FolderItemRef OpenDialog::ShowModal() {
     dialog.setOption(QFileDialog::HideNameFilterDetails);
     dialog.setNameFilter(NameFilter(mFilter));
     if (const auto folder = InitialDirectory()) dialog.setDirectory(ToQt(folder->NativePath()));
-    // Only the toolkit's own dialog is made of widgets.
+    // Only Qt's own dialog is made of widgets.
     if (QLayout* layout = dialog.layout()) {
+        dialog.setLayoutDirection(QLocale().textDirection());
         dialog.setWindowTitle(ToQt(mTitle));
         auto* prompt = new QLabel(ToQt(mPromptText), &dialog);
         prompt->setObjectName("PromptText");

@@ -5,7 +5,7 @@
 
 #include "platform/FolderItem.h"
 
-// The dialog for choosing one existing file; the system's own where the toolkit has it. Used for
+// The dialog for choosing one existing file; the system's own where Qt has it. Used for
 // one run.
 class OpenDialog {
   public:

@@ -1,19 +1,52 @@
 #include "platform/PopupMenu.h"
 
+#include <QAbstractItemView>
 #include <QComboBox>
+#include <QKeyEvent>
 #include <QSignalBlocker>
+#include <QWheelEvent>
 
 #include "platform/Native.h"
 #include "platform/QtText.h"
 
 namespace {
 
+bool IsCtrlReturn(const QKeyEvent& event) {
+    return event.modifiers().testFlag(Qt::ControlModifier) &&
+           (event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter);
+}
+
+class ComboBox : public QComboBox {
+  public:
+    using QComboBox::QComboBox;
+
+    void showPopup() override {
+        QComboBox::showPopup();
+        view()->installEventFilter(this);
+    }
+
+  protected:
+    // While closed it leaves the wheel alone: a turn over it on the way elsewhere changes nothing.
+    void wheelEvent(QWheelEvent* event) override { event->ignore(); }
+
+    // With Ctrl, Return takes the row as it does alone, and then goes on to where it is a shortcut.
+    bool eventFilter(QObject* object, QEvent* event) override {
+        if (event->type() != QEvent::ShortcutOverride ||
+            !IsCtrlReturn(static_cast<const QKeyEvent&>(*event)))
+            return QComboBox::eventFilter(object, event);
+        setCurrentIndex(view()->currentIndex().row());
+        hidePopup();
+        event->ignore();
+        return true;
+    }
+};
+
 QComboBox* Combo(const PopupMenu& popup) { return static_cast<QComboBox*>(popup.Native()); }
 
 }  // namespace
 
 PopupMenu::PopupMenu(Window& owner, std::string name)
-    : RectControl(std::move(name), new QComboBox(ContentOf(owner))) {
+    : RectControl(std::move(name), new ComboBox(ContentOf(owner))) {
     QComboBox* combo = Combo(*this);
     combo->setFocusPolicy(Qt::StrongFocus);
     combo->setMinimumSize(0, 0);
@@ -24,7 +57,7 @@ void PopupMenu::AddRow(std::string_view text) {
     const QSignalBlocker quiet(Combo(*this));
     const int selected = Combo(*this)->currentIndex();
     Combo(*this)->addItem(ToQt(text));
-    Combo(*this)->setCurrentIndex(selected);  // the toolkit selects the first row by itself
+    Combo(*this)->setCurrentIndex(selected);  // Qt selects the first row by itself
 }
 
 void PopupMenu::DeleteAllRows() {

@@ -9,6 +9,9 @@ class PushButton : public RectControl {
     PushButton(Window& owner, std::string name);
     void Caption(std::string_view caption);
 
-    // The user has pressed the button. A cell or text that was being edited has been committed.
+    // Presses the button, if it is enabled, and leaves the focus where it is.
+    void Press();
+
+    // The button was pressed. A cell, text or choice that was being edited has been committed.
     std::function<void(PushButton&)> Action;
 };

@@ -1,15 +1,18 @@
 #include "platform/Window.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QLayout>
 #include <QMainWindow>
 #include <QMenuBar>
+#include <QScreen>
 #include <QShortcut>
 #include <algorithm>
 #include <map>
 #include <stdexcept>
 
 #include "platform/Application.h"
+#include "platform/HeldKey.h"
 #include "platform/Label.h"
 #include "platform/Menu.h"
 #include "platform/Native.h"
@@ -37,11 +40,18 @@ class Window::Frame : public QMainWindow {
         const int above = height() - mContent.height();
         SetLimits(above);
         resize(mDesign.width(), mDesign.height() + above);
+        FitIntoScreen();
     }
 
     QSize mDesign, mMinimum, mMaximum;
 
   protected:
+    bool event(QEvent* event) override {
+        // Only the window that has come up knows what the system puts around it.
+        if (event->type() == QEvent::WindowActivate && !std::exchange(mCameUp, true))
+            FitIntoScreen();
+        return QMainWindow::event(event);
+    }
     void closeEvent(QCloseEvent* event) override {
         QMainWindow::closeEvent(event);
         if (mWindow.Close) mWindow.Close();
@@ -63,6 +73,11 @@ class Window::Frame : public QMainWindow {
         Frame& mFrame;
     };
 
+    void FitIntoScreen() {
+        const QSize around = frameGeometry().size() - size();
+        resize(size().boundedTo(screen()->availableSize() - around));
+    }
+
     void SetLimits(int above) {
         setMinimumSize(mMinimum.width(), mMinimum.height() + above);
         setMaximumSize(mMaximum.width(), mMaximum.height() + above);
@@ -70,6 +85,7 @@ class Window::Frame : public QMainWindow {
 
     Window& mWindow;
     Content& mContent;
+    bool mCameUp = false;
 };
 
 QWidget* ContentOf(Window& window) { return window.mFrame->ContentWidget(); }
@@ -101,8 +117,16 @@ void Window::Show() {
 void Window::OnKeys(std::string_view keys, std::function<void()> action) {
     auto* shortcut = new QShortcut(ToQtKeys(keys), mFrame.get());
     shortcut->setContext(Qt::ApplicationShortcut);  // also while a popup shows its rows
-    QObject::connect(shortcut, &QShortcut::activated, mFrame.get(), std::move(action));
+    QObject::connect(shortcut, &QShortcut::activated, mFrame.get(), [action = std::move(action)] {
+        if (!KeyIsHeld()) action();
+    });
 }
+
+std::string Window::KeysAsShown(std::string_view keys) {
+    return FromQt(QKeySequence(ToQtKeys(keys)).toString(QKeySequence::NativeText));
+}
+
+void Window::AskForAttention() { QApplication::alert(mFrame.get()); }
 
 Control& Window::Find(std::string_view name) const {
     const auto control =
@@ -143,7 +167,6 @@ std::shared_ptr<Window> Window::Live(std::string_view name) {
 }
 
 void Window::Register(std::string_view name, std::shared_ptr<Window> window) {
+    if (LiveWindows().empty()) AtEnd([] { LiveWindows().clear(); });
     LiveWindows().insert_or_assign(std::string(name), std::move(window));
 }
-
-void Window::ReleaseAll() { LiveWindows().clear(); }

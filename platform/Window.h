@@ -27,22 +27,27 @@ class Window {
     void MaxWidth(int width);
     void MaxHeight(int height);
 
-    // Shows the window and raises, once, the Open events: the controls' in the order of their
-    // creation, then its own.
+    // Shows the window, no larger than the screen's free area, and raises, once, the Open events:
+    // the controls' in the order of their creation, then its own.
     void Show();
 
-    // Runs `action` when the keys, such as "Cmd+.", are pressed anywhere in the window.
+    // Runs `action` when the keys, such as "Cmd+.", are pressed anywhere in the window. Keys that
+    // are held down run it once.
     void OnKeys(std::string_view keys, std::function<void()> action);
+    // The keys as the user's keyboard has them: "Ctrl+." where there is no command key.
+    static std::string KeysAsShown(std::string_view keys);
+
+    // Marks the window in the desktop's list of tasks, if it isn't in front.
+    void AskForAttention();
 
     std::function<void()> Open;
     // The user has closed the window.
     std::function<void()> Close;
 
     // The live window that was registered under this name, or nil. The registry holds windows
-    // until the program ends.
+    // until EndFramework.
     static std::shared_ptr<Window> Live(std::string_view name);
     static void Register(std::string_view name, std::shared_ptr<Window> window);
-    static void ReleaseAll();
 
   protected:
     // Creates a control of this window, without a visual form, and adds it to the control list.
@@ -68,7 +73,7 @@ class Window {
 
   private:
     friend class QWidget* ContentOf(Window& window);
-    class Frame;  // the toolkit's window
+    class Frame;  // Qt's window
 
     template <class C>
     C& AddToList(std::unique_ptr<C> control) {

@@ -1,0 +1,24 @@
+// Keys that are held down. For the platform's own files.
+#pragma once
+
+class QEvent;
+class QKeyEvent;
+
+// Has to see every event before it is handled.
+void WatchForHeldKey(const QEvent& event);
+
+// Whether the key that is being handled is one that is held down and repeats itself. Qt looks only
+// whether the next event is there already, and so misses some of them on X11.
+bool KeyIsHeld();
+
+// A button that a held key presses once.
+template <class Button>
+class PressedOnce : public Button {
+  public:
+    using Button::Button;
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override {
+        if (!KeyIsHeld()) Button::keyPressEvent(event);
+    }
+};
