@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "platform/CheckBox.h"
 #include "platform/FolderItem.h"
@@ -130,6 +131,10 @@ class EspWin : public Window {
     FolderItemRef mEspToolApp;
 
   private:
+    static constexpr std::string_view kStopKeys = "Cmd+.";  // end a running tool
+
+    void ShowBusy(bool busy);
+
     // An event's handler: that method of this window.
     template <class Result, class... Arguments>
     std::function<Result(Arguments...)> On(Result (EspWin::*method)(Arguments...)) {

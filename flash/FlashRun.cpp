@@ -16,6 +16,7 @@ void ShowOutput(Shell& shell, TextArea& pane) {
 void EspWin::StartPB_Action(PushButton& sender) {
     sender.Enabled(false);
     rEF().Text("Wait....");
+    ShowBusy(true);
     termConnected = mConnected;
     if (termConnected) DoConnect("");
     esptool().Execute(InstallEF().Text());
@@ -25,8 +26,17 @@ void EspWin::esptool_DataAvailable(Shell& sender) { ShowOutput(sender, rEF()); }
 
 void EspWin::esptool_Completed(Shell& sender) {
     ShowOutput(sender, rEF());
+    ShowBusy(false);
     if (termConnected) DoConnect("");
     StartPB().Enabled(true);
     PortPM().Enabled(true);
     SelectPB().Enabled(true);
+    AskForAttention();
+}
+
+void EspWin::ShowBusy(bool busy) {
+    rEF().Busy(busy);
+    const std::string hint = busy ? KeysAsShown(kStopKeys) + " stops the run" : std::string();
+    rEF().HelpTag(hint);
+    StartPB().HelpTag(hint);
 }

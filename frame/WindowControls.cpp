@@ -28,6 +28,7 @@ void Fill(PopupMenu& popup, std::initializer_list<std::string_view> rows, std::i
 void EspWin::CreateControls() {
     auto& toolType = Add<PopupMenu>("tooltypePM", {30, -143, 107, 20, kLeftTop, 0, 11});
     toolType.AccessibleName("Tool type");
+    toolType.AccessibleDescription("Type of the flash tool");
     Fill(toolType, {"esptool.py", "esptool-ck"}, 0);
     toolType.Change = On(&EspWin::tooltypePM_Change);
     toolType.Open = On(&EspWin::tooltypePM_Open);
@@ -43,6 +44,7 @@ void EspWin::CreateControls() {
     output.AccessibleName("Output of the flash tool");
     output.Text("Install ....");
     output.ReadOnly(true);
+    output.SetFocus();  // no key changes anything there
 
     auto& uploadFile = Add<TextArea>("UploadEF", {20, -77, 334, 45, kLeftTopRight, 4, 11});
     uploadFile.AccessibleName("Upload file");
@@ -65,7 +67,8 @@ void EspWin::CreateControls() {
     shell.DataAvailable = On(&EspWin::esptool_DataAvailable);
 
     auto& tool = Add<TextArea>("EspToolEF", {80, 7, 334, 45, kLeftTopRight, 10, 11});
-    tool.AccessibleName("ESP tool");
+    tool.AccessibleName("ESP Tool");
+    toolLabel.Names(tool);
     tool.Text("esptool");
     tool.TextChange = On(&EspWin::EspToolEF_TextChange);
 
@@ -83,6 +86,7 @@ void EspWin::CreateControls() {
 
     auto& dataBits = Add<PopupMenu>("BitsPM", {262, -109, 50, 20, kNone, 13, 10});
     dataBits.AccessibleName("Data bits");
+    dataBits.AccessibleDescription("Data bits of the connection");
     Fill(dataBits, {"5", "6", "7", "8"}, 3);
 
     auto& connect = Add<PushButton>("ConnectPB", {350, -143, 80, 20, kRight, 14, 11});
@@ -99,21 +103,24 @@ void EspWin::CreateControls() {
 
     auto& parity = Add<PopupMenu>("ParityPM", {317, -109, 50, 20, kNone, 17, 10});
     parity.AccessibleName("Parity");
+    parity.AccessibleDescription("Parity of the connection");
     Fill(parity, {"No", "Odd", "Even"}, 0);
 
     auto& port = Add<PopupMenu>("PortPM", {80, 56, 331, 20, kLeftRight, 18, 11});
     port.AccessibleName("Port (-cp)");
+    portLabel.Names(port);
     Fill(port, {}, 0);
     port.Change = On(&EspWin::PortPM_Change);
     port.Open = On(&EspWin::PortPM_Open);
 
     auto& scan = Add<PushButton>("ScanBtn", {422, 57, 80, 20, kLeftTop, 19, 11});
-    scan.AccessibleName("Scan for ports");
+    scan.AccessibleDescription("Scan for serial ports");
     scan.Caption(Module1::kScan(""));
     scan.Action = On(&EspWin::ScanBtn_Action);
 
     auto& stopBits = Add<PopupMenu>("StopPM", {372, -109, 50, 20, kNone, 20, 10});
     stopBits.AccessibleName("Stop bits");
+    stopBits.AccessibleDescription("Stop bits of the connection");
     Fill(stopBits, {"1", "1.5", "2"}, 0);
 
     auto& xon = Add<CheckBox>("XonCB", {443, -143, 50, 20, kRight, 21, 10});
@@ -125,6 +132,7 @@ void EspWin::CreateControls() {
 
     auto& reset = Add<TextField>("ResetEF", {80, 108, 80, 22, kLeftTop, 24, 11});
     reset.AccessibleName("Reset (-cd)");
+    resetLabel.Names(reset);
     reset.Text("ck");
     reset.TextChange = On(&EspWin::ResetEF_TextChange);
 
@@ -133,9 +141,11 @@ void EspWin::CreateControls() {
 
     auto& speedLabel = Add<Label>("Label9", {0, 81, 75, 20, kLeftTop, 27, 11});
     speedLabel.Text("Speed (-cb): ");
+    speedLabel.Names(speed);
 
     auto& command = Add<TextArea>("InstallEF", {80, 208, 334, 108, kLeftTopRight, 28, 11});
     command.AccessibleName("Install command");
+    commandLabel.Names(command);
 
     auto& selectTool = Add<PushButton>("SelectESPPB", {422, 7, 80, 20, kTopRight, 29, 11});
     selectTool.AccessibleName("Select ESP tool");
@@ -149,6 +159,7 @@ void EspWin::CreateControls() {
                                 std::vector<std::string>{"File (-cf)", "Address(-ca)"}, 100);
     images.AccessibleName("Upload files and addresses");
     images.CellHint("address");
+    uploadLabel.Names(images);
     images.AddRow({"", "0x00000000"});
     images.CellBackgroundPaint = On(&EspWin::ulb_CellBackgroundPaint);
     images.DoubleClick = On(&EspWin::ulb_DoubleClick);
@@ -165,11 +176,14 @@ void EspWin::CreateControls() {
 
     auto& address = Add<TextField>("AddressEF", {379, -54, 88, 22, kLeftTop, 26, 11});
     address.AccessibleName("Address (-ca)");
+    addressLabel.Names(address);
     address.Text("0x00000000");
     address.TextChange = On(&EspWin::AddressEF_TextChange);
 
     Open = On(&EspWin::Event_Open);
     Close = On(&EspWin::Event_Close);
     // Ends a running tool that would never end by itself.
-    OnKeys("Cmd+.", [this] { esptool().Stop(); });
+    OnKeys(kStopKeys, [this] { esptool().Stop(); });
+    for (const auto* keys : {"Cmd+Return", "Cmd+Enter"})  // the latter of the number pad
+        OnKeys(keys, [this] { StartPB().Press(); });
 }

@@ -37,10 +37,14 @@ class TextArea : public TextEdit {
     // Brings the line to the top of the view, or the end into view where there is no such line.
     void ScrollPosition(std::int64_t line);
 
+    // While busy, a thin strip moves at the upper edge.
+    bool Busy() const;
+    void Busy(bool busy);
+
     std::function<void(TextArea&)> TextChange;
 
   private:
-    struct State;  // the toolkit's widget with what it keeps
+    struct State;  // Qt's widget with what it keeps
     TextArea(std::string name, State* state);
 
     State* mState;

@@ -28,7 +28,10 @@ void EspWin::DoConnect(std::string port) {
     }
     if (port.empty()) port = PortPM().Text();
     mConnected = RbPortOpen(port);
-    if (!mConnected) return;
+    if (!mConnected) {
+        AskForAttention();
+        return;
+    }
     ConnectPB().Caption(Module1::kDisconnect(""));
     MemoPortInfo(port);
 }

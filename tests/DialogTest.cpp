@@ -10,39 +10,26 @@
 
 namespace {
 
-using Answer = std::function<void(QFileDialog&)>;
+// What a dialog shows.
+struct Seen {
+    QString title, prompt;
+    bool promptStandsAbove = false;
+    QStringList files;
+};
 
-// A name in the dialog's folder; the dialog would complain about another in a box of its own.
-Answer Type(const QString& path) {
-    return [path](QFileDialog& dialog) {
-        QVERIFY(dialog.directory().exists(path));
-        QTest::keyClicks(QApplication::focusWidget(), path);
-        QTest::keyClick(dialog.findChild<QLineEdit*>("fileNameEdit"), Qt::Key_Return);
-    };
-}
-
-// Cancels a dialog that asks for this and offers these.
-Answer Cancel(const QString& wanted, const QStringList& names) {
-    return [=](QFileDialog& dialog) {
-        QCOMPARE(dialog.windowTitle(), "Select " + wanted);
-        const auto* prompt = dialog.findChild<QLabel*>("PromptText");
-        QCOMPARE(prompt->text(), wanted + "を選択して下さい....");
-        const auto* files = dialog.findChild<QTreeView*>("treeView");
-        QVERIFY(prompt->isVisible() && prompt->width() >= prompt->sizeHint().width() &&
-                prompt->geometry().bottom() < files->mapTo(&dialog, QPoint()).y());
-        QTRY_COMPARE(files->model()->rowCount(files->rootIndex()), names.size());
-        for (int i = 0; i < names.size(); ++i)
-            QTRY_COMPARE(files->model()->index(i, 0, files->rootIndex()).data().toString(),
-                         names[i]);
-        QTest::keyClick(&dialog, Qt::Key_Escape);
-    };
+QStringList Files(const QTreeView& view) {
+    QStringList names;
+    for (int row = 0; row < view.model()->rowCount(view.rootIndex()); ++row)
+        names += view.model()->index(row, 0, view.rootIndex()).data().toString();
+    return names;
 }
 
 struct Chooser : PreparedFolder, OpenedWindow {
     Chooser() : PreparedFolder("ファーム") {}
 
-    // Opens a dialog, and answers while that blocks. False when none came up or it stayed open.
-    bool Choose(const char* control, const Answer& answer) const {
+    // Opens a dialog by that control, and answers while that blocks. False when none came up or it
+    // stayed open.
+    bool Answer(const char* control, const std::function<void(QFileDialog&)>& answer) const {
         bool ended = false;
         QTimer poll;
         poll.callOnTimeout([&] {
@@ -60,17 +47,46 @@ struct Chooser : PreparedFolder, OpenedWindow {
             Click(control);
         return ended;
     }
-    bool HasTool(const QString& shown, const QString& inCommand) const {
-        return window.EspToolEF().Text() == shown.toStdString() &&
-               window.InstallEF().Text() == (inCommand + " -vv -cd ck -cb 115200 ").toStdString();
+
+    // Types each of the names and Return. Not one that isn't there: the dialog would complain in a
+    // box of its own.
+    bool Choose(const char* control, const QStringList& names) const {
+        return Answer(control, [&](QFileDialog& dialog) {
+            for (const QString& name : names) {
+                if (!dialog.directory().exists(name)) return;
+                Type(name);
+                QTest::keyClick(dialog.findChild<QLineEdit*>("fileNameEdit"), Qt::Key_Return);
+            }
+        });
     }
-    QString Images() const {
-        QString names;
+
+    // Looks at the dialog, once it shows these files, and cancels it.
+    std::optional<Seen> Cancel(const char* control, const QStringList& files) const {
+        Seen seen;
+        const bool ended = Answer(control, [&](QFileDialog& dialog) {
+            const auto* prompt = dialog.findChild<QLabel*>("PromptText");
+            const auto* view = dialog.findChild<QTreeView*>("treeView");
+            static_cast<void>(QTest::qWaitFor([&] { return Files(*view) == files; }));
+            seen = {dialog.windowTitle(), prompt->text(),
+                    prompt->isVisible() && prompt->width() >= prompt->sizeHint().width() &&
+                        prompt->geometry().bottom() < view->mapTo(&dialog, QPoint()).y(),
+                    Files(*view)};
+            QTest::keyClick(&dialog, Qt::Key_Escape);
+        });
+        return ended ? std::optional(seen) : std::nullopt;
+    }
+
+    QString Tool() const { return QString::fromStdString(window.EspToolEF().Text()); }
+    QString Command() const { return QString::fromStdString(window.InstallEF().Text()); }
+    QStringList Images() const {
+        QStringList names;
         for (int i = 0; i < window.ulb().ListCount(); ++i)
-            names += QString::fromStdString(window.ulb().Cell(i, 0)).section(" (", 0, 0) + '|';
+            names += QString::fromStdString(window.ulb().Cell(i, 0)).section(" (", 0, 0);
         return names;
     }
 };
+
+const QString kNoImages = " -vv -cd ck -cb 115200 ";
 
 }  // namespace
 
@@ -82,45 +98,74 @@ class DialogTest : public QObject {
     void initTestCase() { qputenv("XDG_CONFIG_HOME", mSettings.path().toUtf8()); }
     void cleanupTestCase() { QVERIFY(QDir(mSettings.path()).isEmpty()); }  // nothing is kept
 
+    void Dialog_data() {
+        QTest::addColumn<QString>("control");
+        QTest::addColumn<QString>("wanted");
+        QTest::addColumn<QStringList>("files");
+        QTest::newRow("for a tool")
+            << "SelectESPPB"
+            << "ESPTool" << QStringList{"a b", "BOOT.BIN", "job.csv", "notes.txt"};
+        for (const char* control : {"SelectPB", "ulb"})
+            QTest::addRow("for an image, by %s", control)
+                << control << "Uploadファイル" << QStringList{"a b", "BOOT.BIN", "job.csv"};
+    }
+    void Dialog() {
+        QFETCH(const QString, control);
+        QFETCH(const QString, wanted);
+        QFETCH(const QStringList, files);
+        const Chooser chooser;
+        for (const char* name : {"BOOT.BIN", "job.csv", "notes.txt", "a b/one.bin"})
+            chooser.Write(name, "");
+        const auto seen = chooser.Cancel(qPrintable(control), files);
+        QVERIFY(seen.has_value());
+        QCOMPARE(seen->title, "Select " + wanted);
+        QCOMPARE(seen->prompt, wanted + "を選択して下さい....");
+        QVERIFY(seen->promptStandsAbove);
+        QCOMPARE(seen->files, files);
+    }
+
     void Tool() {
         const Chooser chooser;
         const QString tool = chooser.Write("flash tool", ""), link = chooser.Path("link");
         QVERIFY(QFile::link(tool, link));
-        QVERIFY(chooser.Choose("SelectESPPB", Type("flash tool")));
-        QVERIFY(chooser.HasTool(tool, '\'' + tool + '\''));
+        QVERIFY(chooser.Choose("SelectESPPB", {"flash tool"}));
+        QCOMPARE(chooser.Tool(), tool);
+        QCOMPARE(chooser.Command(), '\'' + tool + '\'' + kNoImages);
         // The other type shows its own tool; the command keeps the one that was chosen.
         auto* types = chooser.Widget<QComboBox>("tooltypePM");
         QTest::keyClick(types, Qt::Key_Up);
-        QVERIFY(chooser.window.mEspToolUse == 0 && chooser.HasTool("", '\'' + tool + '\''));
-        QVERIFY(chooser.Choose("SelectESPPB", Type("link")));
+        QCOMPARE(chooser.window.mEspToolUse, 0);
+        QCOMPARE(chooser.Tool(), "");
+        QCOMPARE(chooser.Command(), '\'' + tool + '\'' + kNoImages);
+        QVERIFY(chooser.Choose("SelectESPPB", {"link"}));
         QTest::keyClick(types, Qt::Key_Down);
-        QVERIFY(chooser.window.mEspToolUse == 1 && chooser.HasTool(link, '\'' + link + '\''));
-        QVERIFY(chooser.Choose("SelectESPPB", Cancel("ESPTool", {"flash tool", "link"})));
-        QVERIFY(chooser.HasTool("", ""));
+        QCOMPARE(chooser.window.mEspToolUse, 1);
+        QCOMPARE(chooser.Tool(), link);
+        QCOMPARE(chooser.Command(), '\'' + link + '\'' + kNoImages);
+        QVERIFY(chooser.Cancel("SelectESPPB", {"flash tool", "link"}));
+        QCOMPARE(chooser.Tool(), "");
+        QCOMPARE(chooser.Command(), kNoImages);
     }
 
     void UploadFile() {
         const Chooser chooser;
-        for (const char* name : {"BOOT.BIN", "job.csv", "a b/one.bin"}) chooser.Write(name, "");
+        for (const char* name : {"BOOT.BIN", "a b/one.bin"}) chooser.Write(name, "");
         chooser.Write("notes.txt", "cb,9600\n");
         chooser.Write("a b/job.CSV", "cd,none\ncb,9600\nup,one.bin,0x9\n");
         chooser.window.InstallEF().Text("edited");
-        QVERIFY(chooser.Choose("ulb", Cancel("Uploadファイル", {"a b", "BOOT.BIN", "job.csv"})));
-        QCOMPARE(chooser.Images(), "|");
-        QCOMPARE(chooser.window.InstallEF().Text(), "edited");
+        QVERIFY(chooser.Cancel("ulb", {"a b", "BOOT.BIN"}));
+        QCOMPARE(chooser.Images(), QStringList(""));
+        QCOMPARE(chooser.Command(), "edited");
 
-        QVERIFY(chooser.Choose("SelectPB", Type("BOOT.BIN")));
-        QVERIFY(chooser.Choose("ulb", [](QFileDialog& dialog) {
-            Type("a b")(dialog);  // is for walking through
-            Type("one.bin")(dialog);
-        }));
+        QVERIFY(chooser.Choose("SelectPB", {"BOOT.BIN"}));
+        QVERIFY(chooser.Choose("ulb", {"a b", "one.bin"}));  // a folder is walked through
         // In the base folder again. Another type changes nothing but a command edited by hand.
         chooser.window.InstallEF().Text("edited");
-        QVERIFY(chooser.Choose("SelectPB", Type("notes.txt")));
-        QCOMPARE(chooser.Images(), "BOOT.BIN|one.bin|");
-        QVERIFY(chooser.HasTool("", ""));
-        QVERIFY(chooser.Choose("SelectPB", Type("a b/job.CSV")));
-        QCOMPARE(QString::fromStdString(chooser.window.InstallEF().Text()),
+        QVERIFY(chooser.Choose("SelectPB", {"notes.txt"}));
+        QCOMPARE(chooser.Images(), QStringList({"BOOT.BIN", "one.bin"}));
+        QCOMPARE(chooser.Command(), kNoImages);
+        QVERIFY(chooser.Choose("SelectPB", {"a b/job.CSV"}));
+        QCOMPARE(chooser.Command(),
                  " -vv -cd none -cb 9600 -ca 0x9 -cf '" + chooser.Path("a b/one.bin") + '\'');
     }
 
@@ -130,7 +175,7 @@ class DialogTest : public QObject {
         for (const char* button : {"SelectPB", "SelectESPPB"}) {
             chooser.Write(QString(button) + "/Documents/m.bin", "");
             qputenv("HOME", chooser.Path(button).toUtf8());
-            QVERIFY(chooser.Choose(button, Type("m.bin")));
+            QVERIFY(chooser.Choose(button, {"m.bin"}));
         }
         QVERIFY(chooser.window.ulb().Cell(0, 0).ends_with("/SelectPB/Documents/m.bin)"));
         QVERIFY(chooser.window.EspToolEF().Text().ends_with("/SelectESPPB/Documents/m.bin"));

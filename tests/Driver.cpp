@@ -1,9 +1,11 @@
-// Plays the user of the program as it was built. The toolkit loads this plugin into the program
-// when the environment asks for it; QUILLSTONE_DRIVER holds the steps, separated by '|': keys,
-// "wait FILE" until it is there, "close" the window, "throw" out of an event.
+// Plays the user of the program as it was built. Qt loads this plugin into the program when the
+// environment asks for it; QUILLSTONE_DRIVER holds the steps, separated by '|': keys, "wait FILE"
+// until it is there, "print content" or "print frame" for that height, "close" the window, "throw"
+// out of an event.
 #include <QApplication>
 #include <QFile>
 #include <QGenericPlugin>
+#include <QMainWindow>
 #include <QTest>
 #include <QTimer>
 #include <stdexcept>
@@ -22,13 +24,15 @@ class Driver : public QGenericPlugin {
 
   private:
     void Step() {
-        QWidget* window = QApplication::activeWindow();
+        auto* window = qobject_cast<QMainWindow*>(QApplication::activeWindow());
         if (!window || mSteps.isEmpty()) return;
         if (mSteps[0].startsWith("wait ") && !QFile::exists(mSteps[0].mid(5))) return;
         const QString step = mSteps.takeFirst();
         if (step == "throw") throw std::runtime_error("planted");
+        if (step == "print content") qInfo("%d", window->centralWidget()->height());
+        if (step == "print frame") qInfo("%d", window->frameGeometry().height());
         if (step == "close") window->close();
-        if (step == "close" || step.startsWith("wait ")) return;
+        if (step == "close" || step.contains(' ')) return;
         const QKeyCombination keys = QKeySequence(step)[0];
         QWidget* focus = QApplication::focusWidget();
         QTest::keyClick(focus ? focus : window, keys.key(), keys.keyboardModifiers());

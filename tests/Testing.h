@@ -74,6 +74,19 @@ class PreparedFolder {
     QString mPath;
 };
 
+// Keys for whatever takes them by then.
+inline QWidget* TakesKeys() {
+    QWidget* popup = QApplication::activePopupWidget();
+    if (!popup) return QApplication::focusWidget();
+    return popup->focusWidget() ? popup->focusWidget() : popup;
+}
+inline void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+    QTest::keyClick(TakesKeys(), key, modifiers);
+}
+inline void Type(const QString& text) {
+    for (const QChar c : text) QTest::keyClicks(TakesKeys(), QString(c));
+}
+
 // The program's window, opened in the current base folder.
 class OpenedWindow {
   public:
@@ -109,6 +122,18 @@ class OpenedWindow {
         window.InstallEF().Text(command);
         Click("StartPB");
         return Output();
+    }
+
+    static QString Focus() {
+        const QWidget* focus = QApplication::focusWidget();
+        return focus ? focus->objectName() : QString();
+    }
+    static void TabTo(const QString& name) {
+        for (int i = 0; i < 22 && Focus() != name; ++i) {
+            QCoreApplication::processEvents();  // an edit ends after its key
+            Key(Qt::Key_Tab);
+        }
+        if (Focus() != name) qFatal("Tab doesn't lead to %s", qPrintable(name));
     }
 
     EspWin window;

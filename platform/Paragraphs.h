@@ -1,0 +1,18 @@
+// The text of a QTextDocument with very long lines. For the platform's own files.
+//
+// Qt lays out a paragraph as a whole each time that it grows. Appended text without line ends goes
+// on in a new paragraph after kLongestParagraph characters, so that a tool that never ends its line
+// can't hold the window. Such a paragraph is marked, and no line end stands for it in the text that
+// is read or copied.
+#pragma once
+
+class QString;
+class QTextDocument;
+
+constexpr int kLongestParagraph = 8192;
+
+// Adds text at the end of the document.
+void AppendParagraphs(QTextDocument& document, const QString& text);
+
+// The text between two positions in the document.
+QString TextBetween(const QTextDocument& document, int from, int to);

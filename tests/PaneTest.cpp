@@ -1,0 +1,85 @@
+// The pane with the tool's output.
+#include <QClipboard>
+#include <QPlainTextEdit>
+#include <QScreen>
+#include <QScrollBar>
+
+#include "Testing.h"
+
+class PaneTest : public QObject {
+    Q_OBJECT
+  private slots:
+    void ARunIsSeen() {
+        const OpenedWindow opened;
+        auto* pane = opened.Widget<QPlainTextEdit>("rEF");
+        const QWidget* start = opened.Widget<QWidget>("StartPB");
+        QCOMPARE(pane->toolTip() + start->toolTip(), "");
+        QVERIFY(!opened.window.rEF().Busy());
+        const QPoint corner = pane->mapTo(opened.frame, QPoint());
+        const auto edge = [&] {  // as it stands on the screen
+            return opened.frame->screen()
+                ->grabWindow(opened.frame->winId(), corner.x(), corner.y(), pane->width(), 3)
+                .toImage();
+        };
+        opened.TabTo("StartPB");
+        QCoreApplication::processEvents();
+        const QImage idle = edge();
+        opened.window.InstallEF().Text("sleep 99");
+        opened.Click("StartPB");
+        QVERIFY(opened.window.rEF().Busy());
+        QCOMPARE(pane->toolTip(), "Ctrl+. stops the run");
+        QCOMPARE(start->toolTip(), pane->toolTip());
+        QTRY_VERIFY(edge() != idle);
+        const QImage before = edge();
+        QTRY_VERIFY(edge() != before && edge() != idle);
+        Key(Qt::Key_Period, Qt::ControlModifier);
+        QTRY_VERIFY(opened.window.StartPB().Enabled());
+        QVERIFY(!opened.window.rEF().Busy());
+        QTRY_COMPARE(edge(), idle);
+        QCOMPARE(pane->toolTip() + start->toolTip(), "");
+    }
+
+    void OutputIsCopiedAsItWasPrinted() {
+        const OpenedWindow opened;
+        const std::string printed = "\xEF\xBB\xBF" + std::string(20'000, 'x') + "\nnext\n";
+        opened.window.rEF().AppendText(printed);
+        QCOMPARE(opened.window.rEF().Text(), "Install ...." + printed);
+        Key(Qt::Key_A, Qt::ControlModifier);
+        Key(Qt::Key_C, Qt::ControlModifier);
+        QCOMPARE(QApplication::clipboard()->text().toStdString(), "Install ...." + printed);
+    }
+
+    // Of a text that begins with a byte order mark, nothing gets lost.
+    void ByteOrderMark() {
+        const OpenedWindow opened;
+        opened.window.ResetEF().Text("\xEF\xBB\xBFx");
+        QCOMPARE(opened.window.ResetEF().Text(), "\xEF\xBB\xBFx");
+        QTRY_VERIFY(opened.Widget<QPlainTextEdit>("InstallEF")
+                        ->toPlainText()
+                        .contains(QString(QChar::ByteOrderMark) + 'x'));
+    }
+
+    void OutputStaysInView() {
+        const OpenedWindow opened;
+        const QScrollBar* bar = opened.Widget<QPlainTextEdit>("rEF")->verticalScrollBar();
+        std::string lines;
+        for (int i = 0; i < 9'000; ++i) lines += "line\n";
+        opened.window.rEF().AppendText("1\n2\n3\n4\n5\n6\n7\n8\n");
+        QCOMPARE(bar->maximum(), 0);
+        for (const int height : {450, 420, 500}) {  // all of it was in view, then the end
+            opened.frame->resize(512, height);
+            QCOMPARE(bar->value(), bar->maximum());
+        }
+        opened.window.rEF().AppendText(lines);
+        QVERIFY(bar->value() < bar->maximum());
+        opened.window.rEF().ScrollPosition(10'000);
+        QCOMPARE(bar->value(), bar->maximum());
+        opened.window.rEF().AppendText(lines);
+        opened.window.rEF().ScrollPosition(10'000);
+        QCOMPARE(bar->value(), 10'000);  // a line, and there are more by now
+        QVERIFY(bar->value() < bar->maximum());
+    }
+};
+
+QUILLSTONE_TEST(PaneTest)
+#include "PaneTest.moc"
