@@ -77,9 +77,8 @@ class Window {
 
     template <class C>
     C& AddToList(std::unique_ptr<C> control) {
-        C& added = *control;
         mControls.push_back(std::move(control));
-        return added;
+        return static_cast<C&>(*mControls.back());
     }
 
     Control& Find(std::string_view name) const;
