@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <optional>
 
+#include "platform/Display.h"
 #include "platform/Window.h"
 
 namespace {
@@ -75,7 +76,10 @@ void InitializeFramework(const std::function<void()>& ready) {
     static char name[] = "quillstone";
     static char* arguments[] = {name, nullptr};
     static int count = 1;
-    TheProgram().toolkit = std::make_unique<Toolkit>(count, arguments);
+    {
+        const DisplayWatch watch;
+        TheProgram().toolkit = std::make_unique<Toolkit>(count, arguments);
+    }
     QApplication::setStyle("fusion");
     QApplication::setPalette(LightPalette());
     QApplication::setDesktopFileName("local.quillstone.Quillstone");
