@@ -4,6 +4,7 @@
 #include <QPalette>
 #include <QStyleHints>
 #include <cstdio>
+#include <cstdlib>
 #include <optional>
 
 #include "platform/Display.h"
@@ -89,6 +90,11 @@ void InitializeFramework(const std::function<void()>& ready) {
 }
 
 void RunEventLoop() {
+    // When the display goes away, Qt calls exit from within itself. Our windows, which static
+    // objects hold, can't be destroyed then. Registered last, this runs before they would be.
+    std::atexit([] {
+        if (TheProgram().toolkit) std::_Exit(1);
+    });
     if (!TheProgram().exitCode) QApplication::exec();
 }
 
