@@ -39,11 +39,10 @@ struct Terminal : PreparedFolder, OpenedWindow {
         return Shows(connected);
     }
     // False for a run that doesn't end.
-    bool Run(
-        const std::string& command, const std::function<void()>& meanwhile = [] {}) const {
+    bool Run(const std::string& command, const std::function<void()>& meanwhile = nullptr) const {
         window.InstallEF().Text(command);
         Click("StartPB");
-        meanwhile();
+        if (meanwhile) meanwhile();
         return QTest::qWaitFor([this] { return window.StartPB().Enabled(); });
     }
 
