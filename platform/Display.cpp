@@ -13,9 +13,10 @@ QtMessageHandler former = nullptr;
 
 // The plugin's file is named after its platform.
 bool HasPlugin(const QString& platform) {
-    for (const QString& folder : QCoreApplication::libraryPaths())
-        if (!QDir(folder + "/platforms").entryList({"*" + platform + "*"}).isEmpty()) return true;
-    return false;
+    const QStringList folders = QCoreApplication::libraryPaths();
+    return std::ranges::any_of(folders, [&platform](const QString& folder) {
+        return !QDir(folder + "/platforms").entryList({"*" + platform + "*"}).isEmpty();
+    });
 }
 
 // From what Qt has looked at: the platform asked for, else Wayland, else X11.
