@@ -36,7 +36,8 @@ QString WhatIsMissing() {
     if (!x11.isEmpty() && !HasPlugin("xcb")) return "Qt's plugin for X11 (xcb) is missing";
     if (wayland.isEmpty() && x11.isEmpty())
         return "there is no display: neither WAYLAND_DISPLAY nor DISPLAY is set";
-    return "can't open the display " + (x11.isEmpty() ? wayland : x11);
+    return "can't open the display " + wayland +
+           (wayland.isEmpty() || x11.isEmpty() ? "" : ", nor ") + x11;
 }
 
 void HoldBack(QtMsgType type, const QMessageLogContext& context, const QString& message) {

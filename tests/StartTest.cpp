@@ -1,4 +1,5 @@
 // A start that gets no display, as the program itself ends it.
+#include <QDir>
 #include <QProcess>
 #include <QTest>
 
@@ -27,6 +28,7 @@ class StartTest : public QObject {
         auto environment = QProcessEnvironment::systemEnvironment();
         for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
             environment.remove(name);
+        environment.insert("XDG_RUNTIME_DIR", QDir::tempPath());  // every session has one
         QFETCH(const QString, value);
         if (!variable.isEmpty()) environment.insert(variable, value);
         QProcess program;
