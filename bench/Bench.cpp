@@ -124,10 +124,9 @@ void Flood(const QTemporaryDir& folder) {
 
 void FirstLine() {
     const QString tool = Beside("bench_unflushed");
-    const auto medians = Medians(5, {[&] {
-                                         return Child({"first-line", tool});
-                                     },
-                                     [&] { return Figures{UntilFirstByte(tool, {})}; }});
+    const auto shown = [&tool] { return Child({"first-line", tool}); };
+    const auto bare = [&tool] { return Figures{UntilFirstByte(tool, {})}; };
+    const auto medians = Medians(5, {shown, bare});
     Row("first line of a tool that never flushes", medians[0][0], medians[1][0], "ms",
         Limits::Figure, 100);
 }
@@ -136,9 +135,8 @@ void FirstLine() {
 void Scaled(const char* mode, const char* what, const QTemporaryDir& folder, double limit,
             std::initializer_list<int> sizes) {
     for (const int size : sizes) {
-        const auto medians = Medians(9, {[&] {
-                                         return Child({mode, folder.path(), QString::number(size)});
-                                     }});
+        const auto run = [&] { return Child({mode, folder.path(), QString::number(size)}); };
+        const auto medians = Medians(9, {run});
         Row(qPrintable(QString(what).arg(size)), medians[0][0], medians[0][1], "µs", Limits::Ratio,
             limit);
     }

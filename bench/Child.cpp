@@ -208,7 +208,7 @@ void Command(const Arguments& arguments) {
         for (const int side : {run % 2, 1 - run % 2}) {  // whoever comes second has warm caches
             QElapsedTimer clock;
             clock.start();
-            struct stat unused {};
+            struct stat unused = {};
             if (side == 0)
                 window->MakeCommand();
             else

@@ -28,7 +28,7 @@ void EspWin::MakeCommand() {
     };
     if (const std::string reset = ResetEF().Text(); !reset.empty()) option("-cd", reset);
     if (const std::string speed = BaudPM().Text(); !speed.empty()) option("-cb", speed);
-    if (!portName.empty()) option("-cp", std::string(kDevicePrefix) + portName);
+    if (!portName.empty()) option("-cp", System().DevicePrefix + portName);
     for (std::size_t i = 0; i < files.size(); ++i) {
         option("-ca", addresses[i]);
         command.append("-cf ").append(files[i]);

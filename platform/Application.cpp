@@ -9,9 +9,11 @@
 #include <QStyleHints>
 #include <QTranslator>
 #include <cstdio>
+#include <cstdlib>
 #include <optional>
 #include <vector>
 
+#include "platform/Display.h"
 #include "platform/HeldKey.h"
 
 namespace {
@@ -104,7 +106,10 @@ void InitializeFramework(const std::function<void()>& ready) {
     static char name[] = "quillstone";
     static char* arguments[] = {name, nullptr};
     static int count = 1;
-    TheProgram().qt = std::make_unique<QtApplication>(count, arguments);
+    {
+        const DisplayWatch watch;
+        TheProgram().qt = std::make_unique<QtApplication>(count, arguments);
+    }
     QApplication::setStyle("fusion");
     QApplication::setPalette(LightPalette());
     QApplication::setDesktopFileName("local.quillstone.Quillstone");
@@ -115,6 +120,11 @@ void InitializeFramework(const std::function<void()>& ready) {
 }
 
 void RunEventLoop() {
+    // When the display goes away, Qt calls exit from within itself. Our windows, which static
+    // objects hold, can't be destroyed then. Registered last, this runs before they would be.
+    std::atexit([] {
+        if (TheProgram().toolkit) std::_Exit(1);
+    });
     if (!TheProgram().exitCode) QApplication::exec();
 }
 

@@ -75,7 +75,7 @@ std::string FolderItem::SimilarName(std::string_view name) const {
 }
 
 bool FolderItem::Exists() const {
-    struct stat unused {};
+    struct stat unused = {};
     return stat(mPath.c_str(), &unused) == 0;
 }
 

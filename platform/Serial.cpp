@@ -1,63 +1,106 @@
 #include "platform/Serial.h"
 
+#include <fcntl.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
 #include <termios.h>
+#include <unistd.h>
 
-#include <QSerialPort>
-#include <limits>
+#include <QSocketNotifier>
+#include <array>
+#include <cerrno>
+#include <utility>
 
-#include "platform/QtText.h"
+#include "platform/SerialRate.h"
 
-namespace {
-
-// A driver without modem lines refuses, and has nothing to set.
-void SetLines(int descriptor, bool rts, bool dtr) {
-    int lines = 0;
-    if (ioctl(descriptor, TIOCMGET, &lines) != 0) return;
-    lines = rts ? lines | TIOCM_RTS : lines & ~TIOCM_RTS;
-    lines = dtr ? lines | TIOCM_DTR : lines & ~TIOCM_DTR;
-    ioctl(descriptor, TIOCMSET, &lines);
-}
-
-// The toolkit offers one kind of flow control or the other.
-void AddSoftwareFlowControl(int descriptor) {
-    termios mode{};
-    if (tcgetattr(descriptor, &mode) != 0) return;
-    mode.c_iflag |= IXON | IXOFF;
-    tcsetattr(descriptor, TCSANOW, &mode);
-}
-
-}  // namespace
-
-class Serial::Port : public QSerialPort {
+// The device itself, without Qt's class for it: that one doesn't notice with every version of Qt
+// that a device has gone away, and then keeps the processor busy for good.
+class Serial::Port {
   public:
-    explicit Port(Serial& serial) {
-        connect(this, &QSerialPort::readyRead, this,
-                [&serial] { serial.Raise(serial.DataAvailable); });
+    explicit Port(Serial& serial) : mSerial(serial) {}
+    ~Port() {
+        if (mDescriptor >= 0 && mOurs) tcsetattr(mDescriptor, TCSANOW, &mFound);
+        Release();
     }
+    Port(const Port&) = delete;
+    Port& operator=(const Port&) = delete;
 
-    bool OpenWith(const Settings& settings) {
-        if (settings.baud <= 0 || settings.baud > std::numeric_limits<qint32>::max()) return false;
-        setPortName(ToQt(std::string(kDevicePrefix) + settings.name));
-        setBaudRate(static_cast<qint32>(settings.baud));
-        setFlowControl(settings.cts   ? HardwareControl
-                       : settings.xon ? SoftwareControl
-                                      : NoFlowControl);
-        if (!open(ReadWrite)) return false;
-        SetLines(handle(), settings.rts, settings.dtr);
+    // False leaves it to the destructor to close what is open.
+    bool Open(const Settings& settings) {
+        const std::string path = System().DevicePrefix + settings.name;
+        // Without O_NONBLOCK it would wait for a carrier.
+        mDescriptor = open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
         // The kernel's exclusive mode doesn't bind a privileged process; serial programs agree on
-        // this lock besides.
-        if (flock(handle(), LOCK_EX | LOCK_NB) != 0) return false;
-        if (settings.cts && settings.xon) AddSoftwareFlowControl(handle());
-        // An open port without its device would raise this error without end.
-        connect(this, &QSerialPort::errorOccurred, this, [this](SerialPortError error) {
-            if (error == ResourceError || error == ReadError)
-                QMetaObject::invokeMethod(
-                    this, [this] { close(); }, Qt::QueuedConnection);
-        });
+        // the lock besides.
+        if (mDescriptor < 0 || flock(mDescriptor, LOCK_EX | LOCK_NB) != 0) return false;
+        if (tcgetattr(mDescriptor, &mFound) != 0 || ioctl(mDescriptor, TIOCEXCL) != 0) return false;
+        mOurs = true;
+        if (!Prepare(settings)) return false;
+        SetLines(settings.rts, settings.dtr);
+        mNotifier = std::make_unique<QSocketNotifier>(mDescriptor, QSocketNotifier::Read);
+        QObject::connect(mNotifier.get(), &QSocketNotifier::activated, [this] { Receive(); });
         return true;
     }
+
+    std::string TakeReceived() {
+        if (mDescriptor >= 0) mNotifier->setEnabled(true);
+        return std::exchange(mReceived, {});
+    }
+
+  private:
+    bool Prepare(const Settings& settings) const {
+        termios mode = mFound;
+        cfmakeraw(&mode);  // eight bits, no parity
+        mode.c_cflag &= ~static_cast<tcflag_t>(CSTOPB | CRTSCTS);
+        mode.c_cflag |= CREAD | CLOCAL;
+        mode.c_iflag &= ~static_cast<tcflag_t>(IXON | IXOFF | IXANY | INPCK);
+        if (settings.cts) mode.c_cflag |= CRTSCTS;
+        if (settings.xon) mode.c_iflag |= IXON | IXOFF;
+        // With these a read of nothing means a hang-up, never that there is no data yet.
+        mode.c_cc[VMIN] = 1;
+        mode.c_cc[VTIME] = 0;
+        return tcsetattr(mDescriptor, TCSANOW, &mode) == 0 &&
+               SetSerialRate(mDescriptor, settings.baud);
+    }
+
+    // A driver without modem lines refuses, and has nothing to set.
+    void SetLines(bool rts, bool dtr) const {
+        int lines = 0;
+        if (ioctl(mDescriptor, TIOCMGET, &lines) != 0) return;
+        lines = rts ? lines | TIOCM_RTS : lines & ~TIOCM_RTS;
+        lines = dtr ? lines | TIOCM_DTR : lines & ~TIOCM_DTR;
+        ioctl(mDescriptor, TIOCMSET, &lines);
+    }
+
+    // Qt calls this for a hang-up too, and again and again until the descriptor is no longer
+    // looked at.
+    void Receive() {
+        std::array<char, 4096> bytes{};
+        const ssize_t count = read(mDescriptor, bytes.data(), bytes.size());
+        if (count > 0) {
+            mReceived.append(bytes.data(), static_cast<std::size_t>(count));
+            mNotifier->setEnabled(false);
+            // Last, since a handler may close the port.
+            mSerial.Raise(mSerial.DataAvailable);
+        } else if (count == 0 || (errno != EAGAIN && errno != EINTR)) {
+            Release();
+        }
+    }
+
+    void Release() {
+        if (mNotifier) mNotifier->setEnabled(false);
+        if (mDescriptor < 0) return;
+        if (mOurs) ioctl(mDescriptor, TIOCNXCL);
+        close(mDescriptor);
+        mDescriptor = -1;
+    }
+
+    Serial& mSerial;
+    int mDescriptor = -1;  // -1 also after a hang-up
+    std::unique_ptr<QSocketNotifier> mNotifier;
+    bool mOurs = false;  // not while somebody else has it open
+    termios mFound{};    // how the terminal was before, for those that use it after us
+    std::string mReceived;
 };
 
 Serial::Serial(Window&, std::string name) : Control(std::move(name)) {}
@@ -69,7 +112,7 @@ void Serial::SerialPort(const ::SerialPort& port) { mSettings.name = port.Name()
 bool Serial::Open() {
     Close();
     auto port = std::make_unique<Port>(*this);
-    if (!port->OpenWith(mSettings)) return false;
+    if (!port->Open(mSettings)) return false;
     mPort = std::move(port);
     return true;
 }
@@ -77,9 +120,5 @@ bool Serial::Open() {
 void Serial::Close() { mPort.reset(); }
 
 std::string Serial::ReadAll(TextEncoding encoding) {
-    return mPort ? DefineEncoding(mPort->readAll().toStdString(), encoding) : std::string();
-}
-
-void Serial::Flush() {
-    if (mPort) mPort->flush();
+    return mPort ? DefineEncoding(mPort->TakeReceived(), encoding) : std::string();
 }

@@ -36,10 +36,12 @@ class Serial : public Control {
 
     // All that has been received so far; empties the buffer.
     std::string ReadAll(TextEncoding encoding);
-    void Flush();
+    // Sends what waits to be sent. This class writes nothing, so nothing ever waits.
+    void Flush() {}
 
-    // Received bytes are waiting. A device that goes away while open raises nothing; the port is
-    // then let go of.
+    // Received bytes are waiting. It isn't raised again before a ReadAll, so a device that sends
+    // more than the system's buffers hold has to wait until then. A device that goes away while
+    // open raises nothing; the port is then let go of.
     std::function<void(Serial&)> DataAvailable;
 
   private:
@@ -51,5 +53,5 @@ class Serial : public Control {
     class Port;
 
     Settings mSettings;
-    std::unique_ptr<Port> mPort;  // while open
+    std::unique_ptr<Port> mPort;  // from Open to Close, also when its device has gone away
 };

@@ -9,10 +9,12 @@
 namespace {
 
 #ifdef Q_OS_MACOS
+constexpr auto kDevicePrefix = "/dev/cu.";
 // Each device is there twice; the call-out one ("cu.") doesn't wait for a carrier.
 bool Listed(const QSerialPortInfo& port) { return port.portName().startsWith("cu."); }
 std::string ListedName(const QSerialPortInfo& port) { return FromQt(port.portName().mid(3)); }
 #else
+constexpr auto kDevicePrefix = "/dev/";
 bool Listed(const QSerialPortInfo&) { return true; }
 std::string ListedName(const QSerialPortInfo& port) { return FromQt(port.portName()); }
 #endif
@@ -30,7 +32,7 @@ std::vector<std::string> MachinePortNames() {
 
 }  // namespace
 
-SystemClass::SystemClass() : PortNames(MachinePortNames) {}
+SystemClass::SystemClass() : PortNames(MachinePortNames), DevicePrefix(kDevicePrefix) {}
 
 std::int64_t SystemClass::SerialPortCount() {
     mPorts = PortNames();

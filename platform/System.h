@@ -10,18 +10,12 @@ class SerialPort {
   public:
     explicit SerialPort(std::string name) : mName(std::move(name)) {}
 
-    // kDevicePrefix + Name() is the device's path.
+    // Behind the DevicePrefix of System it makes the device's path.
     const std::string& Name() const { return mName; }
 
   private:
     std::string mName;
 };
-
-#ifdef __APPLE__
-inline constexpr std::string_view kDevicePrefix = "/dev/cu.";
-#else
-inline constexpr std::string_view kDevicePrefix = "/dev/";
-#endif
 
 class SystemClass {
   public:
@@ -35,8 +29,10 @@ class SystemClass {
     std::string GetLocalizedString(std::string_view key, std::string_view defaultText,
                                    std::string_view language) const;
 
-    // Where the port names come from. A test puts names of its own here.
+    // Where the port names come from, and what their devices' paths begin with. A test puts
+    // values of its own here.
     std::function<std::vector<std::string>()> PortNames;
+    std::string DevicePrefix;
 
   private:
     friend SystemClass& System();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <fcntl.h>
+#include <poll.h>
 #include <stdlib.h>
 #include <unistd.h>
 
@@ -13,12 +14,20 @@
 // The device's side of a port. Destroying it pulls the device out.
 struct Device {
     Device() {
-        if (grantpt(fd) != 0 || unlockpt(fd) != 0) qFatal("no pseudo terminal");
+        // Not every system takes O_CLOEXEC in posix_openpt.
+        if (fcntl(fd, F_SETFD, FD_CLOEXEC) != 0 || grantpt(fd) != 0 || unlockpt(fd) != 0)
+            qFatal("no pseudo terminal");
         path = ptsname(fd);
-        name = path.substr(kDevicePrefix.size());
+        name = path.substr(System().DevicePrefix.size());
     }
     ~Device() { close(fd); }
 
-    const int fd = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+    // Whether a program has the port open. It has been open once.
+    bool InUse() const {
+        pollfd line{fd, 0, 0};
+        return poll(&line, 1, 0) == 0;
+    }
+
+    const int fd = posix_openpt(O_RDWR | O_NOCTTY);
     std::string path, name;
 };

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <cstdint>
+
+// The speed of an open terminal, in bits a second: any number, also one that termios.h has no name
+// for. 0 if the descriptor is no terminal.
+std::int64_t SerialRate(int descriptor);
+
+// Sets it, both ways. False if the driver can't, nor to one close to it.
+bool SetSerialRate(int descriptor, std::int64_t rate);

@@ -1,0 +1,48 @@
+// A start that gets no display, as the program itself ends it.
+#include <QDir>
+#include <QProcess>
+#include <QTest>
+
+class StartTest : public QObject {
+    Q_OBJECT
+  private slots:
+    void SaysWhatIsMissing_data() {
+        QTest::addColumn<QString>("variable");
+        QTest::addColumn<QString>("value");
+        QTest::addColumn<QString>("named");
+        QTest::newRow("no display") << ""
+                                    << ""
+                                    << "neither WAYLAND_DISPLAY nor DISPLAY";
+        QTest::newRow("no X server") << "DISPLAY"
+                                     << ":7777"
+                                     << ":7777";
+        QTest::newRow("no compositor, or no plugin") << "WAYLAND_DISPLAY"
+                                                     << "wayland-none"
+                                                     << "ayland";
+        QTest::newRow("no such plugin") << "QT_QPA_PLATFORM"
+                                        << "none-such"
+                                        << "none-such";
+    }
+    void SaysWhatIsMissing() {
+        QFETCH(const QString, variable);
+        auto environment = QProcessEnvironment::systemEnvironment();
+        for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+            environment.remove(name);
+        environment.insert("XDG_RUNTIME_DIR", QDir::tempPath());  // every session has one
+        QFETCH(const QString, value);
+        if (!variable.isEmpty()) environment.insert(variable, value);
+        QProcess program;
+        program.setProcessEnvironment(environment);
+        program.start(QUILLSTONE_PROGRAM, QStringList());
+        QVERIFY(program.waitForFinished());
+        QCOMPARE(program.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(program.exitCode(), 1);
+        const QByteArray words = program.readAllStandardError();
+        QFETCH(const QString, named);
+        QVERIFY2(words.startsWith("quillstone: ") && words.contains(named.toUtf8()), words);
+        QCOMPARE(words.indexOf('\n'), words.size() - 1);  // one line
+    }
+};
+
+QTEST_GUILESS_MAIN(StartTest)
+#include "StartTest.moc"
