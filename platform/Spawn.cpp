@@ -105,6 +105,7 @@ void KeepOnly(int program, int terminal) {
 #ifdef __linux__
     prctl(PR_SET_NAME, "quillstone-run");  // what kills all "quillstone" leaves it to do its work
     prctl(PR_SET_CHILD_SUBREAPER, 1);
+    prctl(PR_SET_PDEATHSIG, SIGCONT);  // so that it sees the program's end, had it been stopped
 #endif
     KeepOnly(program, terminal);
     const pid_t supervisor = getpid();

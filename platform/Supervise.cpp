@@ -92,8 +92,8 @@ class Supervision {
         fd_set readable;
         FD_ZERO(&readable);
         if (!mProgramGone) FD_SET(mProgram, &readable);
-        return pselect(mProgram + 1, &readable, nullptr, nullptr,
-                       until == kNever ? nullptr : &time, &blocked) > 0;
+        return pselect(mProgram + 1, &readable, nullptr, nullptr, until == kNever ? nullptr : &time,
+                       &blocked) > 0;
     }
 
     void Obey() {
