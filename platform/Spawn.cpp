@@ -130,7 +130,8 @@ pid_t Spawn(std::string_view command, const Terminal& terminal, int& supervisor)
     fcntl(ours, F_SETFL, O_NONBLOCK);
 
     // No handler of the program's may run in the child.
-    sigset_t all, before;
+    sigset_t before;
+    sigset_t all;
     sigfillset(&all);
     pthread_sigmask(SIG_SETMASK, &all, &before);
     const pid_t child = fork();

@@ -50,11 +50,10 @@ class Supervision {
         pid_t dead = 0;
         while ((dead = waitpid(-1, nullptr, WNOHANG)) > 0)
             if (dead == mShell) mShellLives = false;
-        if (dead == 0) return true;
 #ifdef __linux__
-        return false;
+        return dead == 0;
 #else
-        return kill(-mShell, 0) == 0;  // others of its process group
+        return dead == 0 || kill(-mShell, 0) == 0;  // or others of its process group
 #endif
     }
 
