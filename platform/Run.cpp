@@ -54,7 +54,10 @@ void Run::Start(std::string_view command) {
     };
     mArrival = when(mTerminal->Master(), [this] { Pass(mTerminal->Read()); });
     mReport = when(mSupervisor->Descriptor(), [this] {
-        if (mSupervisor->Hear()) Ended();
+        if (mSupervisor->Hear())
+            Ended();
+        else if (mPhase == Phase::Running && mSupervisor->ShellEnded())
+            mSupervisor->Give(Order::LetGo);
     });
 }
 

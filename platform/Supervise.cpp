@@ -29,8 +29,11 @@ class Supervision {
     [[noreturn]] void Run() {
         for (;;) {
             const bool anyone = Reap();
-            // What a command that has ended by itself left in the background goes its own way.
-            if (!anyone || !(mShellLives || mEnding)) _exit(0);
+            if (!anyone) _exit(0);
+            if (!mShellLives && !mToldItsEnd) {
+                mToldItsEnd = true;
+                Tell(kShellEnded);
+            }
             const auto now = Clock::now();
             if (now >= mGiveUpAt) {
                 TellWhoIsLeft();
@@ -73,8 +76,11 @@ class Supervision {
         ProcessList left;
         AddChildren(getpid(), left);
         if (left.Count() == 0) left.Add(mShell);
-        for (const pid_t process : left)
-            if (write(mProgram, &process, sizeof process) < 0) return;
+        for (const pid_t process : left) Tell(process);
+    }
+
+    void Tell(pid_t report) const {
+        if (write(mProgram, &report, sizeof report) < 0) return;  // nobody is there any more
     }
 
     // Until then, or until a child ends. Whether there is something to read from the program.
@@ -106,13 +112,15 @@ class Supervision {
             mKillAt = std::min(mKillAt, Clock::now() + kGraceWithoutProgram);
         } else if (order == static_cast<char>(Order::Kill)) {
             mKillAt = Clock::now();
+        } else if (order == static_cast<char>(Order::LetGo)) {
+            _exit(0);
         }
         if (first) Signal(SIGTERM);
     }
 
     const int mProgram;
     const pid_t mShell;
-    bool mShellLives = true, mEnding = false, mProgramGone = false;
+    bool mShellLives = true, mToldItsEnd = false, mEnding = false, mProgramGone = false;
     Clock::time_point mKillAt = kNever, mGiveUpAt = kNever;
 };
 

@@ -9,12 +9,18 @@
 #include <sys/types.h>
 
 // What the program asks for, a byte each.
-enum class Order : char { Terminate = 'T', Kill = 'K' };
+enum class Order : char {
+    Terminate = 'T',
+    Kill = 'K',
+    LetGo = 'L',  // what the command, which has ended by itself, left in the background
+};
+
+// What the supervisor tells, a pid_t each: the shell's end, or the number of a process that can't be
+// killed. At the shell's end it waits for an order: the shell may have been hung up because the
+// program has ended, and then nobody is to be let go.
+constexpr pid_t kShellEnded = 0;
 
 // Looks after the run of `shell`, a child of this process, and ends this process when the run is
-// over: when the shell has ended or, after an order to end the run, when all of it is gone.
-//
-// Orders come over the socket `program`; its end of file means that the program is gone. Processes
-// that can't be killed are told there by their numbers, a pid_t each, before the supervisor gives
-// up. All signals are blocked.
+// over. Orders come over the socket `program`, and reports go there; its end of file means that the
+// program is gone. All signals are blocked.
 [[noreturn]] void Supervise(int program, pid_t shell);

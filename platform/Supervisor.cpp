@@ -38,8 +38,12 @@ void Supervisor::Give(Order order) const {
 bool Supervisor::Hear() {
     pid_t process = 0;
     ssize_t count = 0;
-    while ((count = read(mSocket, &process, sizeof process)) == sizeof process)
-        mUnkilled.push_back(process);
+    while ((count = read(mSocket, &process, sizeof process)) == sizeof process) {
+        if (process == kShellEnded)
+            mShellEnded = true;
+        else
+            mUnkilled.push_back(process);
+    }
     mOver = mOver || count == 0 || (count < 0 && errno != EAGAIN && errno != EINTR);
     return mOver;
 }

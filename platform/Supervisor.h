@@ -30,6 +30,9 @@ class Supervisor {
     // Takes what the supervisor has to tell, without waiting. Whether the run is over.
     bool Hear();
 
+    // Whether the shell has ended, as far as heard. Others of the run may be left.
+    bool ShellEnded() const { return mShellEnded; }
+
     // The processes that it couldn't kill, as far as heard.
     const std::vector<pid_t>& Unkilled() const { return mUnkilled; }
 
@@ -39,6 +42,6 @@ class Supervisor {
   private:
     int mSocket = -1;
     pid_t mProcess = -1;
-    bool mOver = false;
+    bool mShellEnded = false, mOver = false;
     std::vector<pid_t> mUnkilled;
 };
