@@ -1,6 +1,6 @@
 // The life of a command that runs, from its start to the end of its output. One Run object leads
 // any number of commands, one after the other. All of it happens on the main thread, between other
-// events, and nothing in it waits.
+// events; nothing but the destructor waits.
 #pragma once
 
 #include <functional>
