@@ -15,8 +15,8 @@ enum class Order : char {
     LetGo = 'L',  // what the command, which has ended by itself, left in the background
 };
 
-// What the supervisor tells, a pid_t each: the shell's end, or the number of a process that can't be
-// killed. At the shell's end it waits for an order: the shell may have been hung up because the
+// What the supervisor tells, a pid_t each: the shell's end, or the number of a process that can't
+// be killed. At the shell's end it waits for an order: the shell may have been hung up because the
 // program has ended, and then nobody is to be let go.
 constexpr pid_t kShellEnded = 0;
 
