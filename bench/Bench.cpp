@@ -131,6 +131,19 @@ void FirstLine() {
         Limits::Figure, 100);
 }
 
+// A run of 200 processes that ignore what asks them to end.
+void Ends() {
+    const auto child = [](const char* mode) { return [mode] { return Child({mode}); }; };
+    const auto stop = Medians(5, {child("stop"), child("stop-bare")});
+    Row("stop of a run: longest hold of the event loop", stop[0][0], stop[1][0], "ms",
+        Limits::Figure, 30);
+    const auto close = Medians(5, {child("close"), child("close-bare")});
+    Row("close during a run: until the program has ended", close[0][0], close[1][0], "ms",
+        Limits::Figure, 1000);
+    const auto looks = Medians(5, {child("looks")});
+    Row("a look at a run's processes", looks[0][0], looks[0][1], "µs", Limits::Ratio, 1.2);
+}
+
 // A child that prints both sides of the row.
 void Scaled(const char* mode, const char* what, const QTemporaryDir& folder, double limit,
             std::initializer_list<int> sizes) {
@@ -154,6 +167,7 @@ int main(int count, char** arguments) {
     Start("offscreen", "start to first paint, no display", "a window with one word, no display");
     Flood(folder);
     FirstLine();
+    Ends();
     Scaled("command", "`MakeCommand`, %1 rows", folder, 3, {10, 100, 1000});
     Scaled("setting", "a line of a setting file with %1 `up` lines", folder, 1.5, {1000, 10000});
 }

@@ -123,7 +123,7 @@ void RunEventLoop() {
     // When the display goes away, Qt calls exit from within itself. Our windows, which static
     // objects hold, can't be destroyed then. Registered last, this runs before they would be.
     std::atexit([] {
-        if (TheProgram().toolkit) std::_Exit(1);
+        if (TheProgram().qt) std::_Exit(1);
     });
     if (!TheProgram().exitCode) QApplication::exec();
 }

@@ -6,6 +6,9 @@
 #include <string_view>
 
 #include "platform/Control.h"
+#include "platform/Text.h"
+
+class Run;
 
 // Runs one command line at a time through /bin/sh, in the background and without a time limit.
 //
@@ -14,7 +17,7 @@
 class Shell : public Control {
   public:
     Shell(Window& owner, std::string name);
-    // Ends a running command, with all its child processes.
+    // Ends a running command, with all its child processes, and waits for that below a second.
     ~Shell() override;
 
     // Starts the command, exactly as it stands; does nothing while one is running. What the system
@@ -26,7 +29,8 @@ class Shell : public Control {
     std::string ReadAll();
 
     // Ends a running command with all its child processes: politely, and after two seconds by
-    // force. The run then completes as any other. Returns at once.
+    // force. The run then completes as any other, also when a process can't be killed; the output
+    // says so. Returns at once.
     void Stop();
 
     std::function<void(Shell&)> DataAvailable;
@@ -35,8 +39,7 @@ class Shell : public Control {
     std::function<void(Shell&)> Completed;
 
   private:
-    class Run;
-
-    std::unique_ptr<Run> mRun;  // while a command is running
+    const std::unique_ptr<Run> mRun;
+    OutputText mText;
     std::string mOutput;
 };

@@ -94,6 +94,7 @@ Window::Window() : mFrame(std::make_unique<Frame>(*this)) {}
 
 Window::~Window() {
     for (const auto& control : mControls) control->DetachHandlers();
+    mFrame->hide();  // the end of a run may take a moment, which the user needn't watch
 }
 
 void Window::Title(std::string_view title) { mFrame->setWindowTitle(ToQt(title)); }

@@ -68,8 +68,9 @@ class FaultTest : public QObject {
         const auto [files, pages] = Used();
         qInfo("descriptors %td, then %td; pages %td, then %td", afterTen.first, files,
               afterTen.second, pages);
-        QCOMPARE(files, afterTen.first);
-#ifndef __SANITIZE_ADDRESS__  // which keeps what has been freed
+        QVERIFY(files <=
+                afterTen.first);  // Qt closes those of its idle threads after half a minute
+#ifndef __SANITIZE_ADDRESS__      // which keeps what has been freed
         QVERIFY(pages - afterTen.second < 64);
 #endif
     }

@@ -1,10 +1,13 @@
 // The run of a command: its output, its end, and what the system has left of it afterwards.
+#include <fcntl.h>
 #include <signal.h>
+#include <sys/ptrace.h>
 #include <sys/wait.h>
 
 #include <QPlainTextEdit>
 #include <QProcess>
 #include <QRegularExpression>
+#include <array>
 
 #include "Testing.h"
 
@@ -55,6 +58,47 @@ int ProgramWithRun(const char* command, bool killed) {
     return EndFramework();
 }
 
+// A tool of up to 200 processes, each of which goes on forking, and ends when there is no room for
+// one more. Half a minute ends all of them, whatever the test has found: nobody else might.
+[[noreturn]] void ForkWithoutEnd() {
+    signal(SIGCHLD, SIG_IGN);
+    std::array<int, 2> room{};
+    if (pipe2(room.data(), O_NONBLOCK) != 0) _exit(1);
+    std::array<char, 200> places{};
+    bool said = write(room[1], places.data(), places.size()) < 0;
+    const time_t end = time(nullptr) + 30;
+    for (const pid_t first = getpid(); time(nullptr) < end;) {
+        if (read(room[0], places.data(), 1) == 1) {
+            if (fork() == 0) setsid();
+        } else if (getpid() != first) {
+            _exit(write(room[1], places.data(), 1) < 0 ? 1 : 0);
+        } else if (!said) {
+            said = puts("x") < 0 || fflush(stdout) == 0;
+        }
+    }
+    _exit(0);
+}
+
+// Runs that end in different ways when they are asked to, and what they print until then.
+void AddRuns(const std::function<void(const char*, QByteArray, const char*)>& add) {
+    const QByteArray us = QApplication::applicationFilePath().toLocal8Bit();
+    add("plain", "echo x; exec sleep 999", "x\n");
+    add("a last word", "trap 'echo last; exit' TERM; echo x; sleep 999 & wait", "x\nlast\n");
+    add("a pipe", "sleep 999 & (echo x; exec sleep 999) | sed s/^/=/", "=x\n");
+    add("ignores TERM", "trap '' TERM; echo x; while :; do sleep 999; done", "x\n");
+    add("ignores TERM and HUP", "trap '' TERM HUP; sleep 999 & echo x; cat <&1; wait", "x\n");
+    add("child in the background", "sleep 999 & echo x; cat <&1", "x\n");
+    add("child in its own session", "setsid sh -c 'trap \"\" TERM; echo x; sleep 999; :' & wait",
+        "x\n");
+    add("a daemon, its parent gone", "setsid sh -c 'trap \"\" TERM; sleep 999 &'; echo x; cat <&1",
+        "x\n");
+    add("stopped", "trap 'echo last; exit' TERM; echo x; kill -STOP $$", "x\nlast\n");
+    add("stops its supervisor", "kill -STOP $PPID; echo x; exec sleep 999", "x\n");
+    add("twenty generations",
+        "f() { case $1 in 20) echo x; sleep 999;; esac; (f $(($1+1)); :); }; f 0", "x\n");
+    add("forks without end", "'" + us + "' --fork", "x\n");
+}
+
 }  // namespace
 
 class RunningTest : public QObject {
@@ -65,35 +109,45 @@ class RunningTest : public QObject {
         for (const int process : MarkedProcesses()) kill(process, SIGKILL);
     }
 
-    void Output() {
-        const std::pair<QByteArray, const char*> rows[] = {
-            {R"(printf 'a\r\nb\r'; sleep .1; printf '\nc')", "a\nb\nc"},
-            {R"(printf 'a\r')", "a\n"},
-            {R"(printf 'a\0b\004\t\033c')", "a.b\4\t\33c"},
-            {R"(printf '\377a\343\201'; sleep .1; printf 'b\343')", "\uFFFDa\uFFFD+b\uFFFD"},
-            {R"(for b in 346 227 '245\346' 234 254; do printf \\$b; sleep .02; done)", "日本"},
-            {"for i in 1 2; do echo o$i; echo e$i >&2; done; kill -9 $$", "o1\ne1\no2\ne2\n"},
-            {"", ""},
-            {"echo a\n\necho b # c\n", "a\nb\n"},
-            {QByteArray("echo a\0b", 8), "sh: .*NUL.*\n"},
-            {"echo $#; echo '  y" + QByteArray(" x").repeated(99'999) + "' | wc -c", "0\n200002\n"},
-            {"-vv -cd ck", "sh: .*-vv: .*not found\n"},
-            {"cat; read line || echo $TERM; test -t 2 && echo own >/dev/tty", "dumb\nown\n"},
-            {"(trap '' HUP; exec sleep 1000) & sleep .1; echo x", "x\n"},
+    void Output_data() {
+        QTest::addColumn<QByteArray>("command");
+        QTest::addColumn<QString>("pattern");
+        const auto row = [](const char* name, const QByteArray& command, const char* pattern) {
+            QTest::newRow(name) << command << pattern;
         };
+        row("line ends", R"(printf 'a\r\nb\r'; sleep .1; printf '\nc')", "a\nb\nc");
+        row("CR at the end", R"(printf 'a\r')", "a\n");
+        row("control characters", R"(printf 'a\0b\004\t\033c')", "a.b\4\t\33c");
+        row("no UTF-8", R"(printf '\377a\343\201'; sleep .1; printf 'b\343')",
+            "\uFFFDa\uFFFD+b\uFFFD");
+        row("characters in pieces",
+            R"(for b in 346 227 '245\346' 234 254; do printf \\$b; sleep .02; done)", "日本");
+        row("output and error, killed", "for i in 1 2; do echo o$i; echo e$i >&2; done; kill -9 $$",
+            "o1\ne1\no2\ne2\n");
+        row("nothing", "", "");
+        row("several lines", "echo a\n\necho b # c\n", "a\nb\n");
+        row("NUL", QByteArray("echo a\0b", 8), "sh: .*NUL.*\n");
+        row("200 KB", "echo $#; echo '  y" + QByteArray(" x").repeated(99'999) + "' | wc -c",
+            "0\n200002\n");
+        row("no tool", "-vv -cd ck", "sh: .*-vv: .*not found\n");
+        row("terminal", "cat; read line || echo $TERM; test -t 2 && echo own >/dev/tty",
+            "dumb\nown\n");
+        row("leaves a process", "(trap '' HUP; exec sleep 1000) & sleep .1; echo x", "x\n");
+        row("leaves endless output", "(trap '' HUP; exec yes) & sleep .1", "[y\n]*");
+        row("no descriptors", "ls -l /proc/self/fd | grep -c -e socket -e /dev/ptmx", "0\n");
+    }
+    void Output() {
+        QFETCH(QByteArray, command);
+        QFETCH(QString, pattern);
         const Runner runner;
-        for (const auto& [command, pattern] : rows) {
-            runner.Start(command);
-            QCOMPARE(runner.Output(), "");
-            QVERIFY(!runner.window.StartPB().Enabled());
-            QVERIFY(runner.window.PortPM().Enabled() && runner.window.SelectPB().Enabled());
-            runner.Click("ResetEF");
-            QVERIFY2(runner.Ended(), command.left(99));
-            const QRegularExpression whole(QRegularExpression::anchoredPattern(pattern));
-            const QString output = runner.Output();
-            QVERIFY2(whole.match(output).hasMatch(), command.left(99) + qPrintable(output));
-            QCOMPARE(QApplication::focusWidget(), runner.Widget<QWidget>("ResetEF"));
-        }
+        runner.Start(command);
+        QCOMPARE(runner.Output(), "");
+        QVERIFY(!runner.window.StartPB().Enabled());
+        QVERIFY(runner.window.PortPM().Enabled() && runner.window.SelectPB().Enabled());
+        QVERIFY(runner.Ended());
+        const QRegularExpression whole(QRegularExpression::anchoredPattern(pattern));
+        const QString output = runner.Output();
+        QVERIFY2(whole.match(output).hasMatch(), qPrintable(output.left(999)));
     }
 
     void OutputUnreadAtTheEnd() {
@@ -103,6 +157,22 @@ class RunningTest : public QObject {
         waitid(P_ALL, 0, &ended, WEXITED | WNOWAIT);
         QVERIFY(runner.Ended());
         QCOMPARE(runner.Output(), QString(9000, '\n') + "end");
+    }
+
+    // Whatever the program was started from.
+    void SignalsOfATool() {
+        const Runner runner;
+        for (const int ignored : {SIGPIPE, SIGINT, SIGHUP, SIGCHLD}) signal(ignored, SIG_IGN);
+        sigset_t blocked, before;
+        sigemptyset(&blocked);
+        sigaddset(&blocked, SIGTERM);
+        sigprocmask(SIG_BLOCK, &blocked, &before);
+        runner.Start("cat /proc/self/status | grep -E 'Sig(Blk|Ign|Cgt)' | tr -d '\\n[:alpha:]'");
+        const bool ended = runner.Ended();
+        sigprocmask(SIG_SETMASK, &before, nullptr);
+        for (const int ignored : {SIGPIPE, SIGINT, SIGHUP, SIGCHLD}) signal(ignored, SIG_DFL);
+        QVERIFY(ended);
+        QCOMPARE(runner.Output(), QString(":\t0000000000000000").repeated(3));
     }
 
     void Flood() {
@@ -119,47 +189,102 @@ class RunningTest : public QObject {
         QVERIFY(runner.Output().startsWith(counted));
     }
 
-    // Each is stopped while another control has the focus, an open cell or an open list included.
+    void Stop_data() {
+        QTest::addColumn<QByteArray>("command");
+        QTest::addColumn<QString>("output");
+        AddRuns([](const char* name, const QByteArray& command, const char* output) {
+            QTest::newRow(name) << command << output;
+        });
+    }
     void Stop() {
+        QFETCH(QByteArray, command);
+        QFETCH(QString, output);
         const Runner runner;
-        const auto stops = [&](const char* focus, const char* command, const QString& output) {
-            runner.Start(command);
-            QTRY_VERIFY(runner.Output().contains('\n'));
-            runner.window.esptool().Execute("echo second");
-            QVERIFY(!MarkedProcesses().isEmpty());
-            runner.Widget<QWidget>(focus)->setFocus();
-            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Down);
-            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
-            for (int press = 0; press < 2; ++press) PressStop();
-            QVERIFY(runner.Ended());
-            QCOMPARE(MarkedProcesses(), QList<int>());
-            QCOMPARE(runner.Output(), output);
-            PressStop();  // with no run it does nothing
-        };
-        stops("ResetEF", "sleep 999 & (echo x; exec sleep 999) | sed s/^/=/", "=x\n");
-        stops("InstallEF", "trap 'echo last; exit' TERM; echo x; sleep 999 & wait", "x\nlast\n");
-        stops("PortPM", "trap '' TERM HUP; echo x; while :; do sleep 999; done", "x\n");
-        stops("ulb", "setsid sh -c 'trap \"\" TERM; echo x; sleep 999; :' & wait", "x\n");
-        stops("ConnectPB", "echo x; kill -STOP $$", "x\n");
+        runner.Start(command);
+        QTRY_VERIFY(runner.Output().contains('\n'));
+        runner.window.esptool().Execute("echo second");
+        QVERIFY(!MarkedProcesses().isEmpty());
+        for (int press = 0; press < 2; ++press) PressStop();
+        QVERIFY(runner.Ended());
+        QCOMPARE(MarkedProcesses(), QList<int>());
+        QCOMPARE(runner.Output(), output);
+        PressStop();  // with no run it does nothing
     }
 
+    void EndOfTheProgram_data() {
+        QTest::addColumn<QByteArray>("command");
+        QTest::addColumn<bool>("killed");
+        AddRuns([](const char* name, const QByteArray& command, const char*) {
+            QTest::addRow("%s; closed", name) << command << false;
+            QTest::addRow("%s; killed", name) << command << true;
+        });
+    }
     void EndOfTheProgram() {
-        const auto ends = [](const QString& ending, const QString& command) {
-            QProcess program;
-            program.start(QApplication::applicationFilePath(), {"--program", command, ending});
-            QVERIFY(program.waitForFinished(20'000));
-            if (ending == "kill") QTRY_COMPARE(MarkedProcesses(), QList<int>());
-            QCOMPARE(MarkedProcesses(), QList<int>());
-            QCOMPARE(program.exitCode(), ending == "kill" ? SIGKILL : 0);
-        };
-        ends("close", "trap '' HUP TERM; sleep 999 & echo x; cat <&1; wait");
-        ends("close", "sleep 999 & setsid sleep 999 & echo x; cat <&1");
-        ends("kill", "sleep 999 & echo x; sleep 999 | cat; :");
+        QFETCH(QByteArray, command);
+        QFETCH(bool, killed);
+        QProcess program;
+        program.start(QApplication::applicationFilePath(),
+                      {"--program", command, killed ? "kill" : "close"});
+        QVERIFY(program.waitForFinished(20'000));
+        if (killed) QTRY_COMPARE(MarkedProcesses(), QList<int>());
+        QCOMPARE(MarkedProcesses(), QList<int>());
+        QCOMPARE(program.exitCode(), killed ? SIGKILL : 0);
+    }
+
+    // Ctrl+. works wherever the focus is, an open cell or an open list included. Without another
+    // key it comes back to Start.
+    void StopWithTheFocusOn_data() {
+        QTest::addColumn<QByteArray>("control");
+        for (const char* control : {"StartPB", "InstallEF", "PortPM", "ulb", "ConnectPB"})
+            QTest::newRow(control) << QByteArray(control);
+    }
+    void StopWithTheFocusOn() {
+        QFETCH(QByteArray, control);
+        const Runner runner;
+        runner.Start("echo x; exec sleep 999");
+        QTRY_VERIFY(runner.Output().contains('\n'));
+        const bool start = control == "StartPB";
+        if (!start) {
+            runner.Widget<QWidget>(control)->setFocus();
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Down);
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+        }
+        PressStop();
+        QVERIFY(runner.Ended());
+        QCOMPARE(QApplication::focusWidget() == runner.Widget<QWidget>("StartPB"), start);
+    }
+
+    // A debugger that holds a process at its exit keeps it from being killed.
+    void CannotBeKilled() {
+        auto runner = std::make_unique<Runner>();
+        std::array<QString, 2> held;
+        for (QString& process : held) {
+            runner->Start("echo $$ $PPID; exec sleep 999");
+            QTRY_VERIFY(runner->Output().contains('\n'));
+            process = runner->Output().section(' ', 0, 0);
+            QCOMPARE(ptrace(PTRACE_SEIZE, process.toInt(), nullptr, PTRACE_O_TRACEEXIT), 0);
+            if (&process == &held.back()) break;
+            PressStop();
+            QVERIFY(runner->Ended());
+            const QString line = "\nprocess " + process + " couldn't be ended\n";
+            QVERIFY2(runner->Output().endsWith(line), qPrintable(runner->Output()));
+        }
+        const auto supervisor = static_cast<id_t>(runner->Output().section(' ', 1).toInt());
+        runner.reset();
+        // The window hasn't waited for the supervisor, which is still at it.
+        siginfo_t ended{};
+        QCOMPARE(waitid(P_PID, supervisor, &ended, WEXITED | WNOHANG | WNOWAIT), 0);
+        QCOMPARE(ended.si_pid, 0);
+        for (const QString& process : held)
+            ptrace(PTRACE_DETACH, process.toInt(), nullptr, nullptr);
+        QCOMPARE(waitid(P_PID, supervisor, &ended, WEXITED), 0);
     }
 };
 
 int main(int count, char** arguments) {
-    if (count == 4 && std::string_view(arguments[1]) == "--program")
+    const std::string_view mode = count > 1 ? arguments[1] : "";
+    if (mode == "--fork") ForkWithoutEnd();
+    if (count == 4 && mode == "--program")
         return ProgramWithRun(arguments[2], std::string_view(arguments[3]) == "kill");
     return RunTest<RunningTest>(count, arguments);
 }
