@@ -320,7 +320,7 @@ class BridgeTest : public QObject {
         for (int i = 0; i < 6; i += 2) machine.Write("home/board/" + images[i], images[i]);
         qputenv("QT_PLUGIN_PATH", QUILLSTONE_PLUGINS);
         qputenv("QT_QPA_GENERIC_PLUGINS", "driver");
-        qputenv("QUILLSTONE_DRIVER", "Tab|Space|wait " + root + "/home/call|close");
+        qputenv("QUILLSTONE_DRIVER", "Ctrl+Return|wait " + root + "/home/call|close");
         const Process shell(machine, "/bin/sh", {"-ec", "cd clone\n" + commands});
         QCOMPARE(shell.exitCode(), 0);
         call = QByteArrayList{"460800", "--before"} + call;
