@@ -88,8 +88,10 @@ ListModel::~ListModel() = default;
 QAbstractItemModel* ListModel::Native() const { return mTable.get(); }
 
 ListModel::Cell* ListModel::At(std::int64_t row, std::int64_t column) {
-    const auto at = static_cast<std::size_t>(row), in = static_cast<std::size_t>(column);
-    return at < mRows.size() && in < mHeadings.size() ? &mRows[at][in] : nullptr;
+    const bool inside = row >= 0 && row < RowCount() && column >= 0 &&
+                        column < static_cast<std::int64_t>(mHeadings.size());
+    return inside ? &mRows[static_cast<std::size_t>(row)][static_cast<std::size_t>(column)]
+                  : nullptr;
 }
 
 // Up to the row's end: whether a cell shows its hint depends on the row's first cell.

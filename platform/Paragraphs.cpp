@@ -8,7 +8,7 @@ namespace {
 
 constexpr int kContinues = 1;  // the user state of a paragraph that goes on with the one before it
 
-bool IsLineEnd(QChar c) { return c == QChar::ParagraphSeparator || c == u'\n' || c == u'\r'; }
+bool IsLineEnd(QChar c) { return c == QChar::ParagraphSeparator || c == u'\n'; }
 
 }  // namespace
 

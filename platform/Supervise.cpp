@@ -127,7 +127,7 @@ class Supervision {
 }  // namespace
 
 void Supervise(int program, pid_t shell) {
-    struct sigaction wake {};
+    struct sigaction wake = {};
     wake.sa_handler = [](int) {};
     sigaction(SIGCHLD, &wake, nullptr);
     Supervision(program, shell).Run();

@@ -30,8 +30,7 @@ class TextArea : public TextEdit {
     void Text(std::string_view text) override;
     void ReadOnly(bool readOnly) override;
 
-    // Adds text at the end, with no separator. `text` holds whole characters; CR LF is one line
-    // end.
+    // Adds text at the end, with no separator. `text` holds whole characters, with LF as line end.
     void AppendText(std::string_view text);
 
     // Brings the line to the top of the view, or the end into view where there is no such line.
