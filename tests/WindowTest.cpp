@@ -83,7 +83,7 @@ class WindowTest : public QObject {
         row("InstallEF", {80, 208, 334, 108}, {" -vv -cd ck -cb 115200 "}, Width, "Label5");
         row("SelectESPPB", {422, 7, 80, 20}, {"Select"}, RightEdge);
         row("Label8", {-87, -56, 75, 20}, {"Address (-ca): "});
-        row("ulb", {80, 134, 334, 70}, {""}, Nothing);
+        row("ulb", {80, 134, 334, 70}, {""}, Nothing, "Label3");
         row("DeletePB", {422, 134, 80, 20}, {"Delete"}, RightEdge);
         row("AddressEF", {379, -54, 88, 22}, {"0x00000000"}, Nothing, "Label8");
     }
