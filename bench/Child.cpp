@@ -1,14 +1,8 @@
 // One measurement in a process of its own: bench_child MODE ARGUMENT... prints its figures. The
 // modes that end in "-bare" are the baselines, in a process set up alike.
-#include <signal.h>
-#include <sys/prctl.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <QAbstractEventDispatcher>
 #include <QApplication>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QLabel>
 #include <QMainWindow>
@@ -16,29 +10,17 @@
 #include <QScrollBar>
 #include <QTimer>
 #include <algorithm>
-#include <array>
 #include <fstream>
-#include <functional>
 #include <iostream>
 #include <map>
 
+#include "bench/Child.h"
 #include "bench/Median.h"
-#include "flash/EspWin.h"
 #include "frame/App.h"
 #include "frame/FileTypes1.h"
 #include "frame/MainMenuBar.h"
-#include "platform/Processes.h"
 
 namespace {
-
-using Arguments = std::vector<std::string>;
-
-// Since the last call, or since the clock was started.
-double MicrosecondsOf(QElapsedTimer& clock) {
-    const auto elapsed = static_cast<double>(clock.nsecsElapsed()) / 1000;
-    clock.restart();
-    return elapsed;
-}
 
 // Prints a byte when the window and all in it have been painted for the first time.
 class FirstPaint : public QObject {
@@ -88,25 +70,6 @@ double PeakMebibytes() {
         if (word == "VmHWM:" && status >> word) return std::stod(word) / 1024;
     return 0;
 }
-
-// The longest turn of the event loop since this was made. A turn is what the event loop does before
-// it looks for new events: as a rule one handler, at times with the painting that it led to.
-class TurnWatch : public QObject {
-  public:
-    TurnWatch() : QObject(qApp) {
-        connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::awake, this,
-                [this] { mLongest = std::max(mLongest, MicrosecondsOf(mTurn)); });
-        mIdle.start(1);  // so that no turn is long for lack of events
-        mTurn.start();
-    }
-
-    double Milliseconds() const { return mLongest / 1000; }
-
-  private:
-    QTimer mIdle;
-    QElapsedTimer mTurn;
-    double mLongest = 0;
-};
 
 // What both sides of the flood measure while a text pane fills.
 class FloodWatch : public TurnWatch {
@@ -195,103 +158,6 @@ void FirstLine(const Arguments& arguments) {
     window->InstallEF().Text(arguments[0]);
     clock.start();
     window->StartPB_Action(window->StartPB());
-}
-
-// A run of 200 processes that ignore what asks them to end; calls `running` when all are there.
-void RunStubborn(const std::function<void(Shell&)>& running) {
-    const auto window = EspWin::Instance();
-    window->esptool().DataAvailable = running;
-    window->InstallEF().Text(
-        "trap '' TERM HUP; i=0; while [ $((i += 1)) -lt 200 ]; do sleep 99 & done; echo; wait");
-    window->StartPB_Action(window->StartPB());
-}
-
-// Stops a run: the longest turn in milliseconds.
-void Stop(const Arguments&) {
-    RunStubborn([](Shell& shell) {
-        auto* watch = new TurnWatch;
-        shell.Completed = [=](Shell&) {
-            std::cout << watch->Milliseconds() << std::endl;
-            Quit(0);
-        };
-        shell.Stop();
-    });
-}
-
-// The same for a window without a run.
-void StopBare(const Arguments&) {
-    EspWin::Instance();
-    QApplication::processEvents();
-    auto* watch = new TurnWatch;
-    QTimer::singleShot(2100, watch, [=] {
-        std::cout << watch->Milliseconds() << std::endl;
-        Quit(0);
-    });
-}
-
-QElapsedTimer& SinceClose() {
-    static QElapsedTimer clock;
-    return clock;
-}
-
-// Closes the window: main prints the time until the program has ended.
-void CloseWindow() {
-    QTimer::singleShot(0, qApp, [] {
-        SinceClose().start();
-        EspWin::Instance()->StartPB().Native()->window()->close();
-    });
-}
-
-void Close(const Arguments&) {
-    RunStubborn([](Shell&) { CloseWindow(); });
-}
-
-void CloseBare(const Arguments&) {
-    EspWin::Instance();
-    CloseWindow();
-}
-
-std::vector<pid_t> Sleepers(int count) {
-    std::vector<pid_t> sleepers;
-    for (int i = 0; i < count; ++i) {
-        sleepers.push_back(fork());
-        if (sleepers.back() == 0) {
-            prctl(PR_SET_PDEATHSIG, SIGKILL);
-            while (pause() != 0) continue;
-        }
-    }
-    return sleepers;
-}
-
-// Microseconds of a look at a run of ten processes, with that many others on the machine.
-double Look(int others) {
-    const auto sleepers = Sleepers(others);
-    std::array<int, 2> result{};
-    double elapsed = 0;
-    if (pipe(result.data()) != 0) return 0;
-    const pid_t supervisor = fork();
-    if (supervisor == 0) {
-        Sleepers(10);
-        std::vector<double> times;
-        for (int look = 0; look < 1000; ++look) {
-            QElapsedTimer clock;
-            clock.start();
-            ProcessList processes;
-            AddDescendants(processes);
-            times.push_back(processes.Count() == 10 ? MicrosecondsOf(clock) : 1e9);
-        }
-        elapsed = Median(times);
-        _exit(write(result[1], &elapsed, sizeof elapsed) < 0 ? 1 : 0);
-    }
-    if (read(result[0], &elapsed, sizeof elapsed) < 0) elapsed = 0;
-    for (const pid_t process : sleepers) kill(process, SIGKILL);
-    while (wait(nullptr) > 0) continue;
-    return elapsed;
-}
-
-void Looks(const Arguments&) {
-    std::cout << Look(1000) << ' ' << Look(20) << std::endl;
-    Quit(0);
 }
 
 // A folder with that many images and a setting file that names them.
