@@ -2,60 +2,13 @@
 // that use both. A stand-in plays the official tool and records its call.
 #include <QProcess>
 #include <QRegularExpression>
-#include <QStandardPaths>
 
-#include "Testing.h"
+#include "Machine.h"
 
 namespace {
 
 const QString kBridge = QUILLSTONE_SOURCE "/bridge/esptool";
 const QString kKit = QUILLSTONE_SOURCE "/bridge/quillstone-kit";
-
-// Records its call, tells its process, and ends with 7.
-constexpr char kOfficial[] = R"(
-[ "$2" != esptool ] || shift 2
-[ "$1" != version ] || { printf 'esptool v%s\n' $version; echo $version; exit; }
-printf '%s\0' "$@" >~/call.new; mv ~/call.new ~/call; echo $$; exit 7)";
-
-QByteArray Bytes(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-QStringList Content(const QString& folder) {
-    return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
-}
-
-// A home folder and a search path of its own: "usr/bin", "later", and what the scripts need.
-class Machine : public PreparedFolder {
-  public:
-    Machine() {
-        for (const char* name : {"system", "home"}) QDir().mkpath(Path(name));
-        for (const char* name : {"cmp", "cp", "iconv", "ln", "ls", "mkdir", "mv", "readlink", "rm",
-                                 "rmdir", "sed", "tail", "tr", "wc"})
-            QFile::link(QStandardPaths::findExecutable(name), Path("system/") + name);
-        qputenv("HOME", Path("home").toUtf8());
-        qputenv("PATH", Path("usr/bin:" + Path("later:" + Path("system"))).toUtf8());
-    }
-    ~Machine() {
-        qputenv("HOME", mHome);
-        qputenv("PATH", mPath);
-    }
-
-    void Script(const QString& name, const QByteArray& text) const {
-        Write(name, "#!/bin/sh -e\n" + text, 0755);
-    }
-
-    void Official(const QString& name, const QByteArray& version) const {
-        Script(name, "version=" + version + kOfficial);
-    }
-
-    // The arguments that the official tool got.
-    QByteArrayList Call() const { return Bytes(Path("home/call")).split('\0'); }
-
-  private:
-    const QByteArray mHome = qgetenv("HOME"), mPath = qgetenv("PATH");
-};
 
 void InstallScripts(const Machine& machine, const QString& prefix) {
     machine.Write(prefix + "/bin/quillstone-kit", Bytes(kKit), 0755);
@@ -94,7 +47,6 @@ class BridgeTest : public QObject {
         row("no port, no reset", "4.7.0", "", "", "default_reset");
         row("reset none", "4.7.0", "p", "none", "no_reset");
         row("reset none, version 5", "5.0.2", "p", "none", "no-reset");
-        row("reset nodemcu, no port, version 5", "5.0.2", "", "nodemcu", "default-reset");
         row("reset wifio, ten images", "10.0", "p", "wifio", "default-reset",
             {"0", "1", "2", "3", "4", "5", "6", "7", "8", "9"});
         row("another reset, odd names", "4.7.0", "p", "usb_reset", "usb_reset",
@@ -147,20 +99,14 @@ class BridgeTest : public QObject {
         };
         row("no image", "-vv -cd ck", "no image to write");
         row("an address without a file", "-ca 1", "address without a file: 1");
-        row("two addresses", "-ca 1 -ca 2 -cf f", "address without a file: 1");
         row("a file without an address", "-cf a\nb", "file without an address: a b");
         row("an empty address", "-ca -cf f", "no value after -ca");
         row("no file", "-ca 1 -cf", "no value after -cf");
-        row("an address of two words", "-ca 1 2 -cf f", "unknown option: 2");
         row("a folder with something in it", "full", "not an empty folder: ./full");
-        row("a file in the folder's place", "a.bin", "not a folder: ./a.bin");
         row("an image without an address", "new a.bin", "an image without an address");
-        row("no such image", "new a.bin 0 no 9", "no image to read at no");
         row("no number", "empty a.bin 1g", "not a number such as 65536 or 0x10000: 1g");
         row("base 8", "new a.bin 010", "not a number such as 65536 or 0x10000: 010");
         row("beyond 32 bits", "new a.bin 4294967296", "address beyond 32 bits: 4294967296");
-        row("beyond 64 bits", "new a.bin 0x10000000000000000",
-            "address beyond 32 bits: 0x10000000000000000");
         row("an overlap", "new full/a.bin 0x10 b.bin 19", "a.bin and b.bin overlap");
         row("one name", "new a.bin 0 full/a.bin 99", "two images with the name a.bin");
         row("a comma", "new a.bin 1 c,.bin 0",
