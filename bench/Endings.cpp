@@ -1,3 +1,4 @@
+// How a run ends, measured; called by Child.cpp.
 #include <signal.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>

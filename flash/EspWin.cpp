@@ -6,10 +6,10 @@ EspWin::EspWin() {
 }
 
 std::shared_ptr<EspWin> EspWin::Instance() {
-    constexpr std::string_view name = "EspWin.EspWin";
-    if (auto live = std::dynamic_pointer_cast<EspWin>(Live(name))) return live;
+    constexpr std::string_view kName = "EspWin.EspWin";
+    if (auto live = std::dynamic_pointer_cast<EspWin>(Live(kName))) return live;
     auto window = std::make_shared<EspWin>();
-    Register(name, window);
+    Register(kName, window);
     window->Show();
     return window;
 }

@@ -110,8 +110,8 @@ class EspWin : public Window {
 
     // Whether the connection was open when the last run began.
     bool termConnected = false;
-    // mEspToolPy and mEspToolCk are the tools of the two tool types, and mEspTool is the one in
-    // use. Nothing gives the first two a value yet.
+    // Not used yet: the tool of each tool type, and the one of the two in use. The command takes
+    // mEspToolApp.
     std::string mEspToolPy;
     std::string mEspTool;
     bool mConnected = false;
@@ -119,6 +119,7 @@ class EspWin : public Window {
     std::array<std::string, 6> mPortName;
     // BaudPM's text at the last connection.
     std::string mLastBaudRate = "115200";
+    // Bits, parity and stop aren't used yet: the port is always opened with 8N1.
     std::int64_t mSerialBits = 0;
     bool mSerialDTR = false;
     std::int64_t mSerialParity = 0;

@@ -33,7 +33,7 @@ void EspWin::SelectESPPB_Action(PushButton&) {
     if (!dialog.InitialDirectory()) dialog.InitialDirectory(SpecialFolder::Documents());
     dialog.Title("Select ESPTool");
     dialog.PromptText("ESPToolを選択して下さい....");
-    dialog.Filter("BinHex");  // no type of ours: every file is on offer
+    dialog.Filter("BinHex");  // not a registered type, so every file is offered
     mEspToolApp = dialog.ShowModal();
     EspToolEF().Text("");
     if (!mEspToolApp) return;

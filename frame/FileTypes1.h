@@ -2,11 +2,11 @@
 
 #include "platform/FileType.h"
 
-// The two types of file that the program knows.
+// The types of file that the program knows.
 namespace FileTypes1 {
 FileType& BinFile();
 FileType& InstSet();
 
-// Sets and registers both. Once, before the window exists.
+// Sets and registers all of them. Call it once, before the window exists.
 void Initialize();
 }  // namespace FileTypes1

@@ -1,6 +1,7 @@
 // The window's content: one paragraph for each control, in the order of creation. A place is left,
 // top, width, height, locks, tab index and text size. Eleven controls stand above or left of the
-// window for good; they are in the tab order all the same, and several of them keep settings.
+// window on purpose. All but the label are in the tab order; data bits, parity and stop bits have
+// no effect yet. Tab indices needn't be consecutive.
 #include <initializer_list>
 #include <string_view>
 

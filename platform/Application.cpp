@@ -48,7 +48,7 @@ struct Program {
     std::shared_ptr<Application> application;
     std::unique_ptr<QApplication> qt;
     std::vector<std::function<void()>> atEnd;
-    std::optional<int> exitCode;  // set by the first Quit
+    std::optional<int> exitCode;  // set by the first Quit, or to 1 by an exception
 };
 
 Program& TheProgram() {

@@ -37,7 +37,7 @@ void RunEventLoop();
 // Ends the event loop, also one that is yet to run, and the program with that code.
 void Quit(int exitCode);
 
-// What is left of an exception that nothing caught: a line on standard error, and Quit with 1.
+// For an exception that nothing caught: writes a line to standard error and quits with 1.
 void UnhandledException(const std::exception& exception);
 
 // Has `release` called by EndFramework, while Qt is still there.

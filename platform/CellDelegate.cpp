@@ -102,7 +102,7 @@ QWidget* CellDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem&
     return editor;
 }
 
-// Nothing of the cell is left to click on beside it.
+// The editor covers the whole cell, so no click can hit the cell beside it.
 void CellDelegate::updateEditorGeometry(QWidget* editor, const QStyleOptionViewItem& option,
                                         const QModelIndex&) const {
     editor->setGeometry(option.rect);

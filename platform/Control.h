@@ -79,7 +79,7 @@ class RectControl : public Control {
 
     void SetFocus();
 
-    // The control's place once the content has grown by so much from its design size.
+    // Moves and resizes the control for a content that has grown by so many pixels since the start.
     void FollowWindow(int grownWidth, int grownHeight);
 
     QWidget* Native() const { return mNative; }

@@ -4,8 +4,8 @@
 #include <string_view>
 #include <vector>
 
-// A kind of file that the program knows by extension. It counts once it is registered, by the
-// conversion to a string; setting a property takes it out again.
+// A kind of file that the program knows by extension. Converting it to a string registers it. Only
+// registered types count. Setting a property unregisters it, so set all of them first.
 class FileType {
   public:
     const std::string& Name() const { return mName; }

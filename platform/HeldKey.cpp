@@ -15,7 +15,7 @@ struct {
 void WatchForHeldKey(const QEvent& event) {
     const auto type = event.type();
     const bool release = type == QEvent::KeyRelease;
-    // A ShortcutOverride goes before the key's press.
+    // Qt sends a ShortcutOverride before the KeyPress.
     if (!release && type != QEvent::KeyPress && type != QEvent::ShortcutOverride) return;
     const auto& key = static_cast<const QKeyEvent&>(event);
     if (release) {

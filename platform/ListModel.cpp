@@ -44,10 +44,10 @@ class ListModel::Table : public QAbstractTableModel {
     QVariant data(const QModelIndex& index, int role) const override {
         const Cell& cell = At(index);
         if (role == Qt::DisplayRole || role == Qt::EditRole) return ToQt(cell.text);
-        const bool misses = role == kHintRole && cell.text.empty() &&
-                            cell.type == Listbox::kEditable &&
-                            !At(index.siblingAtColumn(0)).text.empty();
-        return misses ? ToQt(mModel.mHint) : QVariant();
+        const bool showsHint = role == kHintRole && cell.text.empty() &&
+                               cell.type == Listbox::kEditable &&
+                               !At(index.siblingAtColumn(0)).text.empty();
+        return showsHint ? ToQt(mModel.mHint) : QVariant();
     }
 
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override {
@@ -61,7 +61,7 @@ class ListModel::Table : public QAbstractTableModel {
         return editable ? flags | Qt::ItemIsEditable : flags;
     }
 
-    // Takes a text of the user's.
+    // Stores a text that the user has entered.
     bool setData(const QModelIndex& index, const QVariant& value, int) override {
         QString shown = value.toString();
         Cell& cell = At(index);

@@ -18,7 +18,7 @@ class ProcessList {
     const pid_t* end() const { return mProcesses.data() + mCount; }
 
   private:
-    // Of more than these, the rest is found once some of these have ended.
+    // If there are more, the rest is found when some of these have ended.
     std::array<pid_t, 16384> mProcesses;
     std::size_t mCount = 0;
 };
@@ -27,5 +27,5 @@ class ProcessList {
 // system doesn't tell.
 void AddChildren(pid_t parent, ProcessList& list);
 
-// Adds all descendants of this process. Whoever is forked meanwhile may be missing.
+// Adds all descendants of this process. A process that is forked meanwhile may be missing.
 void AddDescendants(ProcessList& list);

@@ -1,4 +1,4 @@
-// The life of a command that runs, from its start to the end of its output. One Run object leads
+// The life of a command that runs, from its start to the end of its output. One Run object can run
 // any number of commands, one after the other. All of it happens on the main thread, between other
 // events; nothing but the destructor waits.
 #pragma once
@@ -20,7 +20,7 @@ class Run {
     Run();
     Run(const Run&) = delete;
     Run& operator=(const Run&) = delete;
-    // Ends a running command with all its processes, and waits for that below a second.
+    // Ends a running command with all its processes, and waits for that for less than a second.
     ~Run();
 
     bool IsOver() const { return mPhase == Phase::Over; }

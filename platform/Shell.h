@@ -28,8 +28,8 @@ class Shell : public Control {
     // character or line end that is not complete waits for its rest.
     std::string ReadAll();
 
-    // Ends a running command with all its child processes: politely, and after two seconds by
-    // force. The run then completes as any other, also when a process can't be killed; the output
+    // Ends a running command with all its child processes: by SIGTERM, and after two seconds by
+    // SIGKILL. The run then completes as any other, also when a process can't be killed; the output
     // says so. Returns at once.
     void Stop();
 

@@ -30,7 +30,7 @@ constexpr std::string_view kNoShell = "sh: can't be executed\n";
 constexpr std::string_view kNoProcess = "sh: no process can be started\n";
 
 std::vector<std::string> ShellArguments(std::string_view command) {
-    // A command may begin with a hyphen, and is no option of the shell's for that.
+    // "--", so that a command that begins with a hyphen isn't taken for an option.
     if (command.size() <= kLongestArgument) return {"sh", "-c", "--", std::string(command)};
     std::vector<std::string> arguments = {
         "sh", "-c", R"(IFS=; command_line="$*"; unset IFS; shift $#; eval " $command_line")", "sh"};
@@ -39,7 +39,7 @@ std::vector<std::string> ShellArguments(std::string_view command) {
     return arguments;
 }
 
-// Plain text, please: no colours, no cursor movements.
+// TERM=dumb asks for plain text: no colours, no cursor movements.
 std::vector<std::string> ShellEnvironment() {
     std::vector<std::string> variables;
     for (char** variable = environ; *variable != nullptr; ++variable)
@@ -80,11 +80,11 @@ void KeepOnly(int program, int terminal) {
 [[noreturn]] void ExecuteShell([[maybe_unused]] pid_t supervisor, char* const* arguments,
                                char* const* environment) {
 #ifdef __linux__
-    // If somebody kills the supervisor, nobody is left who could end the shell.
+    // If the supervisor is killed, the shell dies with it.
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (getppid() != supervisor) _exit(127);
 #endif
-    // The program's user may have started it with any of them ignored or blocked.
+    // The program may have been started with signals ignored or blocked.
     for (int number = 1; number < NSIG; ++number) signal(number, SIG_DFL);
     sigset_t none;
     sigemptyset(&none);
@@ -103,9 +103,9 @@ void KeepOnly(int program, int terminal) {
                                    char* const* environment) {
     setsid();  // out of reach of the keys and job control of the program's own terminal
 #ifdef __linux__
-    prctl(PR_SET_NAME, "quillstone-run");  // what kills all "quillstone" leaves it to do its work
+    prctl(PR_SET_NAME, "quillstone-run");  // so that "killall quillstone" spares it
     prctl(PR_SET_CHILD_SUBREAPER, 1);
-    prctl(PR_SET_PDEATHSIG, SIGCONT);  // so that it sees the program's end, had it been stopped
+    prctl(PR_SET_PDEATHSIG, SIGCONT);  // wakes a stopped supervisor when the program ends
 #endif
     KeepOnly(program, terminal);
     const pid_t supervisor = getpid();
@@ -136,7 +136,7 @@ pid_t Spawn(std::string_view command, const Terminal& terminal, int& supervisor)
     pthread_sigmask(SIG_SETMASK, &all, &before);
     const pid_t child = fork();
     if (child == 0) {
-        // These make room for two descriptors where no more can be opened.
+        // Frees two descriptors for KeepOnly, in case the process is at its limit.
         close(ours);
         close(terminal.Master());
         BecomeSupervisor(theirs, terminal.Slave(), argumentPointers.data(),

@@ -18,7 +18,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr auto kGraceWithoutProgram = 300ms;  // from the request to end until the kill
 constexpr auto kGiveUpAfter = 1s;             // from the first kill
-constexpr auto kLookAgainAfter = 10ms;        // for whom a kill has missed
+constexpr auto kLookAgainAfter = 10ms;        // for processes that a kill has missed
 
 constexpr auto kNever = Clock::time_point::max();
 
@@ -48,7 +48,7 @@ class Supervision {
     }
 
   private:
-    // Waits for the dead. Whether anyone of the run is left.
+    // Reaps zombies. True while a process of the run is left.
     bool Reap() {
         pid_t dead = 0;
         while ((dead = waitpid(-1, nullptr, WNOHANG)) > 0)
@@ -60,11 +60,11 @@ class Supervision {
 #endif
     }
 
-    // Those that are stopped are made to go on, so that they see it.
+    // SIGCONT lets stopped processes receive the signal.
     void Signal(int signal) const {
         ProcessList processes;
         AddDescendants(processes);
-        // Where the system doesn't tell, the shell's process group stands for the run.
+        // Without a list of descendants, as on macOS, the shell's process group is used.
         if (processes.Count() == 0) processes.Add(-mShell);
         for (const pid_t process : processes) {
             kill(process, signal);
@@ -83,7 +83,8 @@ class Supervision {
         if (write(mProgram, &report, sizeof report) < 0) return;  // nobody is there any more
     }
 
-    // Until then, or until a child ends. Whether there is something to read from the program.
+    // Waits until that time or until a child ends. True if there is something to read from the
+    // program.
     bool Wait(Clock::time_point until) const {
         using std::chrono::duration_cast;
         const auto left = std::max(until - Clock::now(), Clock::duration(0));

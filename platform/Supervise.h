@@ -8,7 +8,7 @@
 
 #include <sys/types.h>
 
-// What the program asks for, a byte each.
+// The program's orders. Each is sent as one byte.
 enum class Order : char {
     Terminate = 'T',
     Kill = 'K',

@@ -13,11 +13,11 @@ class Terminal;
 
 class Supervisor {
   public:
-    // Starts the command. Where it fails, errno says why.
+    // Starts the command. On failure errno says why.
     Supervisor(std::string_view command, const Terminal& terminal);
     Supervisor(const Supervisor&) = delete;
     Supervisor& operator=(const Supervisor&) = delete;
-    // Whatever is left of the run, the supervisor goes on to end it.
+    // The supervisor then ends whatever is left of the run.
     ~Supervisor();
 
     bool Started() const { return mProcess > 0; }
@@ -36,7 +36,7 @@ class Supervisor {
     // The processes that it couldn't kill, as far as heard.
     const std::vector<pid_t>& Unkilled() const { return mUnkilled; }
 
-    // Has the run ended as if the program had, and waits until it is over, no longer than that.
+    // Ends the run as the end of the program would. Waits until it is over, but at most so long.
     void End(std::chrono::milliseconds atMost);
 
   private:

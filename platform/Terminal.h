@@ -9,7 +9,7 @@ class Terminal {
     Terminal();
     Terminal(const Terminal&) = delete;
     Terminal& operator=(const Terminal&) = delete;
-    // Hangs up whoever has it as controlling terminal.
+    // Hangs up the processes whose controlling terminal it is.
     ~Terminal() { Close(); }
 
     bool IsOpen() const { return mSlave >= 0; }

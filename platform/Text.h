@@ -32,9 +32,9 @@ class OutputText {
     std::string End();
 
   private:
-    std::string mPart;         // of a character
+    std::string mPart;         // bytes of an incomplete character
     bool mLineIsEmpty = true;  // so far
-    bool mReturned = false;    // by a CR; what follows tells whether the line has ended
+    bool mReturned = false;    // a CR came; what follows tells whether it ended the line
 };
 
 enum class TextEncoding { UTF8, ASCII };

@@ -135,7 +135,7 @@ struct TextArea::State : public QPlainTextEdit {
     static constexpr int kStripHeight = 3;
     static constexpr bool kCanAnnounce = QT_VERSION >= QT_VERSION_CHECK(6, 8, 0);
 
-    // That of the one-line fields, with their focus ring.
+    // The same frame as a one-line field's, with its focus ring.
     void PaintFrame() {
         QPainter painter(this);
         QStyleOptionFrame option;

@@ -32,18 +32,18 @@ class Window::Frame : public QMainWindow {
 
     QWidget* ContentWidget() const { return &mContent; }
 
-    void ShowAtDesignSize() {
+    void ShowAtStartSize() {
         SetLimits(0);
-        resize(mDesign.width(), mDesign.height() + menuBar()->sizeHint().height());
+        resize(mStartSize.width(), mStartSize.height() + menuBar()->sizeHint().height());
         show();
         // Only the shown window knows what the menu bar takes.
         const int above = height() - mContent.height();
         SetLimits(above);
-        resize(mDesign.width(), mDesign.height() + above);
+        resize(mStartSize.width(), mStartSize.height() + above);
         FitIntoScreen();
     }
 
-    QSize mDesign, mMinimum, mMaximum;
+    QSize mStartSize, mMinimum, mMaximum;
 
   protected:
     bool event(QEvent* event) override {
@@ -64,7 +64,7 @@ class Window::Frame : public QMainWindow {
 
       protected:
         void resizeEvent(QResizeEvent*) override {
-            const QSize grown = size() - mFrame.mDesign;
+            const QSize grown = size() - mFrame.mStartSize;
             for (RectControl* control : mFrame.mWindow.VisualControls())
                 control->FollowWindow(grown.width(), grown.height());
         }
@@ -98,8 +98,8 @@ Window::~Window() {
 }
 
 void Window::Title(std::string_view title) { mFrame->setWindowTitle(ToQt(title)); }
-void Window::Width(int width) { mFrame->mDesign.setWidth(width); }
-void Window::Height(int height) { mFrame->mDesign.setHeight(height); }
+void Window::Width(int width) { mFrame->mStartSize.setWidth(width); }
+void Window::Height(int height) { mFrame->mStartSize.setHeight(height); }
 void Window::MinWidth(int width) { mFrame->mMinimum.setWidth(width); }
 void Window::MinHeight(int height) { mFrame->mMinimum.setHeight(height); }
 void Window::MaxWidth(int width) { mFrame->mMaximum.setWidth(width); }
@@ -110,7 +110,7 @@ void Window::Show() {
     // A control that stretches over a button that stays must not hide it.
     for (const RectControl* control : VisualControls())
         if (dynamic_cast<const PushButton*>(control) != nullptr) control->Native()->raise();
-    mFrame->ShowAtDesignSize();
+    mFrame->ShowAtStartSize();
     for (const auto& control : mControls) control->RaiseOpen();
     if (Open) Open();
 }

@@ -19,7 +19,7 @@ class Window {
     virtual ~Window();
 
     void Title(std::string_view title);
-    // The content's design size; the controls' places refer to it.
+    // The content's size at the start; the controls' places refer to it.
     void Width(int width);
     void Height(int height);
     void MinWidth(int width);

@@ -60,7 +60,7 @@ bool EspWin::RbPortOpen(const std::string& port) {
     return false;
 }
 
-// For what a kind of port may need between its settings and its opening.
+// Called between a port's settings and its opening. Does nothing yet.
 void EspWin::RbPortOpenPre() {}
 
 // DoConnect clears mConnected.
@@ -70,7 +70,7 @@ void EspWin::RbPortClose() {
     ConnectPB().Caption(Module1::kConnect(""));
 }
 
-// A name that stands further down stays there, and is then held twice.
+// A name that is already further down also stays there.
 void EspWin::MemoPortInfo(const std::string& port) {
     if (!Equal(port, mPortName[0])) {
         std::shift_right(mPortName.begin(), mPortName.end(), 1);

@@ -18,8 +18,8 @@ void EspWin::SetInstallSetting(const FolderItemRef& file) {
     list.AddRow({""});
     list.Cell(0, 1, "0x00100000");
 
-    // Only the last cd and cb are applied, after all images, because each change composes the
-    // command.
+    // Setting the reset method or the speed composes the command, which looks at every image. So
+    // only the last of each is applied, after all images.
     std::optional<std::string> reset;
     std::optional<std::int64_t> speed;
     const PopupMenu& speeds = BaudPM();

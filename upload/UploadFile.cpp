@@ -16,9 +16,9 @@ void EspWin::SelectUploadFile() {
     const FolderItemRef file = dialog.ShowModal();
     if (!file) return;
     const std::string type = file->Type();
-    if (Equal(type, "Bin File"))
+    if (Equal(type, FileTypes1::BinFile().Name()))
         SetUploadFileToList(file, "");
-    else if (Equal(type, "Install Setting"))
+    else if (Equal(type, FileTypes1::InstSet().Name()))
         SetInstallSetting(file);
     MakeCommand();
 }

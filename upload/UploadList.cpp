@@ -2,7 +2,7 @@
 #include "flash/EspWin.h"
 
 // New files fill the list's free row or go behind the last. A free row is always the only row:
-// rows are filled as they are made, and a filled one is removed outright while there are others.
+// every new row is filled at once, and a row is emptied only if it is the last one.
 void EspWin::SetUploadFileToList(const FolderItemRef& file, const std::string& address) {
     Listbox& list = ulb();
     std::int64_t row = 0;
@@ -25,9 +25,10 @@ void EspWin::ulb_CellTextChange(Listbox&, std::int64_t, std::int64_t) { MakeComm
 void EspWin::ulb_DoubleClick(Listbox&) { SelectUploadFile(); }
 
 bool EspWin::ulb_CellBackgroundPaint(Listbox&, Graphics& g, std::int64_t row, std::int64_t) {
-    constexpr Color paleGreen = 0xD2FFF3;
-    constexpr Color paleBlue = 0xD2EDF5;
-    g.ForeColor(row % 2 == 0 ? paleGreen : paleBlue);
+    // Rows count from 0: the first row is even.
+    constexpr Color kEvenRow = 0xD2FFF3;
+    constexpr Color kOddRow = 0xD2EDF5;
+    g.ForeColor(row % 2 == 0 ? kEvenRow : kOddRow);
     g.FillRect(0, 0, g.Width(), g.Height());
     return false;
 }
