@@ -128,7 +128,7 @@ class EspWin : public Window {
     // tooltypePM's row: 0 "esptool.py", 1 "esptool-ck".
     std::int64_t mEspToolUse = 1;
     FolderItemRef mEspToolCk;
-    // The tool that the command names; nil while there is none.
+    // The tool that the command names; nullptr while there is none.
     FolderItemRef mEspToolApp;
 
   private:

@@ -22,7 +22,7 @@ class Application {
 // Makes `application` the program's one application object.
 void RegisterApplication(std::shared_ptr<Application> application);
 
-// nil before an application is registered, or when it has no menu bar.
+// nullptr before an application is registered, or when it has no menu bar.
 std::shared_ptr<MenuBar> ApplicationMenuBar();
 
 // Declares support of high-resolution displays. Before InitializeFramework.

@@ -39,11 +39,12 @@ FileType::operator std::string() {
     return mName;
 }
 
-std::string operator+(FileType& a, FileType& b) {
-    std::string filter = std::string(a) + ";" + std::string(b);
-    for (auto at = filter.find(";;"); at != filter.npos; at = filter.find(";;", at))
-        filter.erase(at, 1);
-    return filter;
+std::string operator+(FileType& a, FileType& b) { return std::string(a) + b; }
+
+std::string operator+(const std::string& filter, FileType& type) {
+    std::string sum = filter + ";" + std::string(type);
+    for (auto at = sum.find(";;"); at != sum.npos; at = sum.find(";;", at)) sum.erase(at, 1);
+    return sum;
 }
 
 std::string FileType::NameFor(std::string_view fileName) {

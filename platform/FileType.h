@@ -26,9 +26,6 @@ class FileType {
     // Registers the type. The string is its Name.
     explicit operator std::string();
 
-    // Registers both. The string is the filter of a dialog that offers both.
-    friend std::string operator+(FileType& a, FileType& b);
-
     // Name of the first registered type with the extension of `fileName`, in any case; else empty.
     static std::string NameFor(std::string_view fileName);
 
@@ -43,3 +40,7 @@ class FileType {
     std::string mName, mExtensions, mMacType, mMacCreator, mMimeType, mConformsTo;
     bool mImported = false;
 };
+
+// The filter of a dialog that offers all the types of a sum. Registers them.
+std::string operator+(FileType& a, FileType& b);
+std::string operator+(const std::string& filter, FileType& type);

@@ -7,7 +7,7 @@
 #include <string_view>
 
 class FolderItem;
-// Shared by whoever refers to it: fields, cell tags, dialogs. nullptr is nil.
+// Shared by whoever refers to it: fields, cell tags, dialogs.
 using FolderItemRef = std::shared_ptr<const FolderItem>;
 
 // A reference to a file or folder that need not exist. The path is absolute and kept byte for
@@ -18,8 +18,8 @@ class FolderItem {
 
     // The entry of that name in this folder, existing or not. Where no entry has exactly these
     // bytes, one that is equal after Unicode normalisation serves, or else the only one that is
-    // equal without regard to case. nil for a name that is no entry's: empty, ".", "..", or with a
-    // path separator or a NUL in it.
+    // equal without regard to case. nullptr for a name that is no entry's: empty, ".", "..", or
+    // with a path separator or a NUL in it.
     FolderItemRef Child(std::string_view name) const;
 
     bool Exists() const;
@@ -29,7 +29,7 @@ class FolderItem {
     // The path as exactly one word of a POSIX shell.
     std::string ShellPath() const;
 
-    // nil for the root.
+    // nullptr for the root.
     FolderItemRef Parent() const;
 
     // Name of the registered FileType whose extensions match, else empty.
@@ -46,8 +46,8 @@ class FolderItem {
     std::string mPath;
 };
 
-// Path type 0 and an empty path: the base folder. nil where that folder is gone. The logic asks for
-// no other. It is the folder that holds the running program (on macOS the one that holds its
+// Path type 0 and an empty path: the base folder. nullptr where that folder is gone. The logic asks
+// for no other. It is the folder that holds the running program (on macOS the one that holds its
 // bundle); for an installed program, to which PREFIX/bin/quillstone leads from
 // PREFIX/lib/quillstone, the one in which it was started.
 FolderItemRef GetFolderItem(std::string_view path, int pathType);

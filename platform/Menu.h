@@ -32,7 +32,7 @@ class MenuItem {
 
     // Adds an item at the end.
     void Append(std::shared_ptr<MenuItem> item) { mItems.push_back(std::move(item)); }
-    // The item of that name, or nil.
+    // The item of that name, or nullptr.
     std::shared_ptr<MenuItem> Child(std::string_view name) const;
     const std::vector<std::shared_ptr<MenuItem>>& Items() const { return mItems; }
 

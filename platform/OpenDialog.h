@@ -9,7 +9,7 @@
 // one run.
 class OpenDialog {
   public:
-    // nil, also after setting a folder that is gone, means wherever the system likes to begin.
+    // nullptr, also after setting a folder that is gone, means wherever the system likes to begin.
     FolderItemRef InitialDirectory() const;
     void InitialDirectory(FolderItemRef folder) { mInitialDirectory = std::move(folder); }
     void Title(std::string_view title) { mTitle = title; }
@@ -20,7 +20,7 @@ class OpenDialog {
     // registered; if none is, every file.
     void Filter(std::string_view filter) { mFilter = filter; }
 
-    // Blocks until the user answers. nil on cancel. A file that was chosen by a link has the
+    // Blocks until the user answers. nullptr on cancel. A file that was chosen by a link has the
     // link's path.
     FolderItemRef ShowModal();
 

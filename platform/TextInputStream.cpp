@@ -33,7 +33,7 @@ std::optional<std::string> WholeFile(const std::string& path) {
 }  // namespace
 
 std::unique_ptr<TextInputStream> TextInputStream::Open(const FolderItemRef& file) {
-    if (!file) throw NilObjectException("TextInputStream.Open of nil");
+    if (!file) throw NilObjectException("TextInputStream.Open of nullptr");
     auto bytes = WholeFile(file->NativePath());
     if (!bytes) return nullptr;
     return std::unique_ptr<TextInputStream>(

@@ -13,12 +13,12 @@ class TextInputStream {
     // Bytes of the largest file that is read.
     static constexpr std::size_t kLargestFile = 16UL * 1024 * 1024;
 
-    // Reads the whole file. nil for one that can't be opened or read to its end, that is larger
-    // than the limit, or that is no regular file. Raises NilObjectException for a nil argument.
+    // Reads the whole file. nullptr for one that can't be opened or read to its end, that is larger
+    // than the limit, or that is no regular file. Raises NilObjectException for a nullptr.
     static std::unique_ptr<TextInputStream> Open(const FolderItemRef& file);
 
     // The next line as UTF-8, without its line end; empty at the end. The encoding of the file is
-    // found as said above; nil asks for no other.
+    // found as said above; nullptr asks for no other.
     std::string ReadLine(std::nullptr_t encoding = nullptr);
 
     // True when nothing is left to read. (The plain name is a macro of C's.)

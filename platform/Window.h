@@ -44,7 +44,7 @@ class Window {
     // The user has closed the window.
     std::function<void()> Close;
 
-    // The live window that was registered under this name, or nil. The registry holds windows
+    // The live window that was registered under this name, or nullptr. The registry holds windows
     // until EndFramework.
     static std::shared_ptr<Window> Live(std::string_view name);
     static void Register(std::string_view name, std::shared_ptr<Window> window);
