@@ -36,10 +36,6 @@ class CommandTest : public QObject {
             [](OpenedWindow& o) { o.window.BaudPM().ListIndex(11); });
         row("no such speed", "-cd ck -cp /dev/p " + image,
             [](OpenedWindow& o) { o.window.BaudPM().ListIndex(14); });
-        row("the image deleted", "-cd ck -cb 115200 -cp /dev/p ", [](OpenedWindow& o) {
-            QFile::remove(QString::fromStdString(GetFolderItem("", 0)->NativePath()) + "/i.bin");
-            o.window.ResetEF().Text("ck");
-        });
         row("the image deleted and back", same, [](OpenedWindow& o) {
             const auto path = QString::fromStdString(GetFolderItem("", 0)->NativePath()) + "/i.bin";
             QFile::rename(path, path + ".gone");
@@ -49,8 +45,7 @@ class CommandTest : public QObject {
         });
     }
     void AChangeComposes() {
-        QFETCH(const Change, change);
-        QFETCH(const QString, command);
+        const auto [change, command] = Row<Change, QString>("change", "command");
         const PreparedFolder folder("a/b/base");
         folder.Ports({"p", "q"});
         folder.Write("i.bin", "1");

@@ -1,27 +1,17 @@
 // A start that gets no display, as the program itself ends it.
-#include <QDir>
 #include <QProcess>
-#include <QTest>
+
+#include "Testing.h"
 
 class StartTest : public QObject {
     Q_OBJECT
   private slots:
     void SaysWhatIsMissing_data() {
-        QTest::addColumn<QString>("variable");
-        QTest::addColumn<QString>("value");
-        QTest::addColumn<QString>("named");
-        QTest::newRow("no display") << ""
-                                    << ""
-                                    << "neither WAYLAND_DISPLAY nor DISPLAY";
-        QTest::newRow("no X server") << "DISPLAY"
-                                     << ":7777"
-                                     << ":7777";
-        QTest::newRow("no compositor, or no plugin") << "WAYLAND_DISPLAY"
-                                                     << "wayland-none"
-                                                     << "ayland";
-        QTest::newRow("no such plugin") << "QT_QPA_PLATFORM"
-                                        << "none-such"
-                                        << "none-such";
+        const auto row = Columns<QString, QString, QString>("variable", "value", "named");
+        row("no display", "", "", "neither WAYLAND_DISPLAY nor DISPLAY");
+        row("no X server", "DISPLAY", ":7777", ":7777");
+        row("no compositor, or no plugin", "WAYLAND_DISPLAY", "wayland-none", "ayland");
+        row("no such plugin", "QT_QPA_PLATFORM", "none-such", "none-such");
     }
     void SaysWhatIsMissing() {
         QFETCH(const QString, variable);

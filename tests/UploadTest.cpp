@@ -5,14 +5,8 @@ class UploadTest : public QObject {
     Q_OBJECT
   private slots:
     void Settings_data() {
-        QTest::addColumn<QByteArray>("setting");
-        QTest::addColumn<QStringList>("names");
-        QTest::addColumn<QStringList>("addresses");
-        QTest::addColumn<QString>("command");
-        const auto row = [](const char* name, const QByteArray& setting, const QStringList& names,
-                            const QStringList& addresses, const QString& command) {
-            QTest::newRow(name) << setting << names << addresses << command;
-        };
+        const auto row = Columns<QByteArray, QStringList, QStringList, QString>(
+            "setting", "names", "addresses", "command");
         const QStringList free{""}, start{"0x00100000"};
         row("an empty file", "", free, start, "-cd ck -cb 115200 ");
         row("files that aren't beside it",
@@ -36,8 +30,8 @@ class UploadTest : public QObject {
         row("a byte order mark, a zero byte",
             QByteArray("\xEF\xBB\xBFup,a.bin,1\nup,b.bin?,2\nup,c.bin,").replace('?', '\0'),
             {"a.bin", "c.bin"}, {"1", ""}, "-cd ck -cb 115200 -ca 1 -cf @/a.bin");
-        row("a thousand fields", "up,b.bin," + QByteArray(1000, ','), {"b.bin"}, {""},
-            "-cd ck -cb 115200 ");
+        row("a thousand fields", QByteArray(1000, ',') + "\nup,b.bin," + QByteArray(1000, ','),
+            {"b.bin"}, {""}, "-cd ck -cb 115200 ");
     }
     void Settings() {
         const Job job("up,a.bin,former");
@@ -64,9 +58,9 @@ class UploadTest : public QObject {
     }
 
     void Delete_data() {
-        QTest::addColumn<bool>("byKey");
-        QTest::newRow("by the button") << false;
-        QTest::newRow("by the key") << true;
+        const auto row = Columns<bool>("byKey");
+        row("by the button", false);
+        row("by the key", true);
     }
     void Delete() {
         const Job job;
