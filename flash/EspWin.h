@@ -110,16 +110,17 @@ class EspWin : public Window {
 
     // Whether the connection was open when the last run began.
     bool termConnected = false;
-    // Not used yet: the tool of each tool type, and the one of the two in use. The command takes
-    // mEspToolApp.
+    // The tool of the type "esptool.py"; mEspToolCk is that of "esptool-ck". Nothing sets them yet.
     std::string mEspToolPy;
+    // The one of the two whose type is selected. Not used yet: the command takes mEspToolApp.
     std::string mEspTool;
     bool mConnected = false;
     // The ports connected last, most recent first.
     std::array<std::string, 6> mPortName;
     // BaudPM's text at the last connection.
     std::string mLastBaudRate = "115200";
-    // Bits, parity and stop aren't used yet: the port is always opened with 8N1.
+    // Not used yet are bits, parity and stop: the port is always opened with 8N1. DTR and RTS are
+    // the states that the two lines get when it is opened.
     std::int64_t mSerialBits = 0;
     bool mSerialDTR = false;
     std::int64_t mSerialParity = 0;

@@ -3,7 +3,8 @@
 
 namespace {
 
-constexpr std::int64_t kOutputEnd = 10000;  // the line that is scrolled to
+// The line that is scrolled to: beyond the end of all but very long output.
+constexpr std::int64_t kOutputEnd = 10000;
 
 void ShowOutput(Shell& shell, TextArea& pane) {
     pane.AppendText(DefineEncoding(shell.ReadAll(), Encodings::UTF8));
@@ -12,7 +13,7 @@ void ShowOutput(Shell& shell, TextArea& pane) {
 
 }  // namespace
 
-// The tool needs the device that the connection holds, so the connection goes first.
+// The tool needs the device, so an open connection is closed before the tool starts.
 void EspWin::StartPB_Action(PushButton& sender) {
     sender.Enabled(false);
     rEF().Text("Wait....");

@@ -28,7 +28,7 @@ void EspWin::Event_Open() {
     mEspToolApp = tool;
     if (tool) EspToolEF().Text(tool->NativePath());
 
-    // A folder without the file doesn't send the search on.
+    // The nearest folder named bin ends the search, even if the file isn't in it.
     if (const FolderItemRef bin = FindBinFolder())
         SetInstallSetting(bin->Child("installsetting.csv"));
 }

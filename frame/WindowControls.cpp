@@ -1,7 +1,7 @@
 // The window's content: one paragraph for each control, in the order of creation. A place is left,
 // top, width, height, locks, tab index and text size. Eleven controls stand above or left of the
-// window on purpose. All but the label are in the tab order; data bits, parity and stop bits have
-// no effect yet. Tab indices needn't be consecutive.
+// window on purpose. All of these but Label8 are in the tab order; data bits, parity and stop bits
+// have no effect yet.
 #include <initializer_list>
 #include <string_view>
 
@@ -45,7 +45,7 @@ void EspWin::CreateControls() {
     output.AccessibleName("Output of the flash tool");
     output.Text("Install ....");
     output.ReadOnly(true);
-    output.SetFocus();  // no key changes anything there
+    output.SetFocus();  // where typing changes nothing
 
     auto& uploadFile = Add<TextArea>("UploadEF", {20, -77, 334, 45, kLeftTopRight, 4, 11});
     uploadFile.AccessibleName("Upload file");
@@ -185,6 +185,6 @@ void EspWin::CreateControls() {
     Close = On(&EspWin::Event_Close);
     // Ends a running tool that would never end by itself.
     OnKeys(kStopKeys, [this] { esptool().Stop(); });
-    for (const auto* keys : {"Cmd+Return", "Cmd+Enter"})  // the latter of the number pad
+    for (const auto* keys : {"Cmd+Return", "Cmd+Enter"})  // Enter is the number pad's
         OnKeys(keys, [this] { StartPB().Press(); });
 }

@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "platform/Display.h"
@@ -74,9 +75,10 @@ QPalette LightPalette() {
     return palette;
 }
 
-// For what Qt itself says, as in its file dialog, where its translations are installed.
+// Qt's own texts, such as its file dialog's, appear in the user's language where Qt's translations
+// are installed.
 void SpeakTheUsersLanguage() {
-    // A translation sets the direction of its language. The window's places don't turn round.
+    // The translation of a language that is written from right to left would mirror the window.
     QApplication::setLayoutDirection(Qt::LeftToRight);
     auto* translator = new QTranslator(qApp);
     if (translator->load(QLocale(), QStringLiteral("qtbase"), QStringLiteral("_"),
@@ -113,7 +115,7 @@ void InitializeFramework(const std::function<void()>& ready) {
     QApplication::setStyle("fusion");
     QApplication::setPalette(LightPalette());
     QApplication::setDesktopFileName("local.quillstone.Quillstone");
-    QApplication::setQuitOnLastWindowClosed(false);  // the window says what closing it means
+    QApplication::setQuitOnLastWindowClosed(false);  // Window's Close says what happens
     QGuiApplication::styleHints()->setTabFocusBehavior(Qt::TabFocusAllControls);
     SpeakTheUsersLanguage();
     ready();
@@ -121,7 +123,7 @@ void InitializeFramework(const std::function<void()>& ready) {
 
 void RunEventLoop() {
     // When the display goes away, Qt calls exit from within itself. Our windows, which static
-    // objects hold, can't be destroyed then. Registered last, this runs before they would be.
+    // objects hold, can't be destroyed then. What is registered last runs first: before them.
     std::atexit([] {
         if (TheProgram().qt) std::_Exit(1);
     });
@@ -135,7 +137,7 @@ void Quit(int exitCode) {
 
 void UnhandledException(const std::exception& exception) {
     std::fprintf(stderr, "quillstone: unhandled exception: %s\n", exception.what());
-    TheProgram().exitCode = 1;  // also where the end was under way
+    TheProgram().exitCode = 1;  // also if Quit was called before
     QApplication::exit(1);
 }
 

@@ -11,15 +11,16 @@ namespace {
 QString heldBack;
 QtMessageHandler former = nullptr;
 
-// The plugin's file is named after its platform.
+// Of Wayland there are several, such as libqwayland-egl.so.
 bool HasPlugin(const QString& platform) {
     const QStringList folders = QCoreApplication::libraryPaths();
     return std::ranges::any_of(folders, [&platform](const QString& folder) {
-        return !QDir(folder + "/platforms").entryList({"*" + platform + "*"}).isEmpty();
+        const QStringList names = {"libq" + platform + ".*", "libq" + platform + "-*"};
+        return !QDir(folder + "/platforms").entryList(names).isEmpty();
     });
 }
 
-// From what Qt has looked at: the platform asked for, else Wayland, else X11.
+// Looks where Qt has looked: the platform asked for, else Wayland, else X11.
 QString WhatIsMissing() {
     const QString platform = qEnvironmentVariable("QT_QPA_PLATFORM");
     if (!platform.isEmpty()) {
@@ -46,7 +47,7 @@ void HoldBack(QtMsgType type, const QMessageLogContext& context, const QString& 
         return;
     }
     std::fprintf(stderr, "quillstone: %s\n", qPrintable(WhatIsMissing()));
-    std::_Exit(1);  // Qt is half built, so nothing of it is torn down
+    std::_Exit(1);  // no destructors: Qt is only half constructed
 }
 
 }  // namespace

@@ -1,8 +1,8 @@
 #pragma once
 
-// While it lives, a start of Qt that gets no display ends the program with one line on standard
-// error that says what is missing, and status 1. Qt itself would abort. What else Qt says meanwhile
-// is written at the end of this object.
+// While it lives, a start of Qt that finds no display ends the program with status 1 and one line
+// on standard error that says what is missing. Qt itself would abort. Qt's other messages are held
+// back and written when this object is destroyed.
 class DisplayWatch {
   public:
     DisplayWatch();

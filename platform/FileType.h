@@ -10,8 +10,10 @@ class FileType {
   public:
     const std::string& Name() const { return mName; }
     void Name(std::string_view name) { Set(mName, name); }
+    // One extension, without its dot.
     const std::string& Extensions() const { return mExtensions; }
     void Extensions(std::string_view extensions) { Set(mExtensions, extensions); }
+    // The rest is kept for completeness: only name and extension decide.
     void MacType(std::string_view type) { Set(mMacType, type); }
     void MacCreator(std::string_view creator) { Set(mMacCreator, creator); }
     void MimeType(std::string_view type) { Set(mMimeType, type); }

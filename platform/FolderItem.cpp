@@ -54,9 +54,11 @@ FolderItemRef FolderItem::Child(std::string_view name) const {
     return similar.empty() ? child : std::make_shared<const FolderItem>(folder + similar);
 }
 
-// Names that are no valid text are left out: different ones would look alike.
+// Names that are no valid text are left out: different ones would look alike. So is a name that is
+// longer than any file's: Qt takes time by the square of the accents in a row.
 std::string FolderItem::SimilarName(std::string_view name) const {
-    if (!IsUtf8(name)) return {};
+    constexpr std::size_t kLongestName = 1024;
+    if (name.size() > kLongestName || !IsUtf8(name)) return {};
     if (!mNames) {
         mNames.emplace();
         std::error_code error;

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 class FolderItem;
 // Shared by whoever refers to it: fields, cell tags, dialogs.
@@ -48,8 +49,8 @@ class FolderItem {
 
 // Path type 0 and an empty path: the base folder. nullptr where that folder is gone. The logic asks
 // for no other. It is the folder that holds the running program (on macOS the one that holds its
-// bundle); for an installed program, to which PREFIX/bin/quillstone leads from
-// PREFIX/lib/quillstone, the one in which it was started.
+// bundle). An installed program, which lies in PREFIX/lib/quillstone with a link in PREFIX/bin,
+// takes the folder in which it was started.
 FolderItemRef GetFolderItem(std::string_view path, int pathType);
 
 namespace SpecialFolder {

@@ -11,7 +11,7 @@
 class ListModel;
 class QTableView;
 
-// A value of any type; empty is nil.
+// A value of any type, or none.
 using Variant = std::any;
 
 // A table of texts with headings, of which one row at most is selected. Rows and columns count

@@ -41,7 +41,7 @@ FolderItemRef OpenDialog::InitialDirectory() const {
 
 FolderItemRef OpenDialog::ShowModal() {
     // Qt's own dialog would write the folders that it has seen into a file of the user's.
-    // Nothing of ours outlasts the program.
+    // The program keeps nothing from one start to the next.
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("/dev/null"));
     QFileDialog dialog(QApplication::activeWindow());
     dialog.setObjectName("OpenDialog");
@@ -51,14 +51,14 @@ FolderItemRef OpenDialog::ShowModal() {
     dialog.setOption(QFileDialog::HideNameFilterDetails);
     dialog.setNameFilter(NameFilter(mFilter));
     if (const auto folder = InitialDirectory()) dialog.setDirectory(ToQt(folder->NativePath()));
-    // Only Qt's own dialog is made of widgets.
+    // Only Qt's own dialog has a layout; the system's has no place for the prompt.
     if (QLayout* layout = dialog.layout()) {
         dialog.setLayoutDirection(QLocale().textDirection());
         dialog.setWindowTitle(ToQt(mTitle));
         auto* prompt = new QLabel(ToQt(mPromptText), &dialog);
         prompt->setObjectName("PromptText");
         prompt->setMargin(9);
-        layout->setMenuBar(prompt);  // the place above all else
+        layout->setMenuBar(prompt);  // at the top of the dialog
         if (auto* details = dialog.findChild<QTreeView*>("treeView"))
             details->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
     } else {

@@ -25,7 +25,7 @@ class Serial::Port {
     Port(const Port&) = delete;
     Port& operator=(const Port&) = delete;
 
-    // False leaves it to the destructor to close what is open.
+    // After false, the destructor closes what has been opened.
     bool Open(const Settings& settings) {
         const std::string path = System().DevicePrefix + settings.name;
         // Without O_NONBLOCK it would wait for a carrier.
@@ -98,7 +98,7 @@ class Serial::Port {
     Serial& mSerial;
     int mDescriptor = -1;  // -1 also after a hang-up
     std::unique_ptr<QSocketNotifier> mNotifier;
-    bool mOurs = false;  // not while somebody else has it open
+    bool mOurs = false;  // from the moment that nobody else has it
     termios mFound{};    // how the terminal was before, for those that use it after us
     std::string mReceived;
 };

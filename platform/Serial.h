@@ -41,7 +41,7 @@ class Serial : public Control {
 
     // Received bytes are waiting. It isn't raised again before a ReadAll, so a device that sends
     // more than the system's buffers hold has to wait until then. A device that goes away while
-    // open raises nothing; the port is then let go of.
+    // open raises nothing; the port is then closed.
     std::function<void(Serial&)> DataAvailable;
 
   private:

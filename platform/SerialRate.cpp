@@ -43,8 +43,8 @@ bool SetSerialRate(int descriptor, std::int64_t rate) {
     mode.c_cflag |= BOTHER | BOTHER << IBSHIFT;
     mode.c_ospeed = mode.c_ispeed = static_cast<speed_t>(rate);
     if (ioctl(descriptor, TCSETS2, &mode) != 0) return false;
-    // A driver that lacks the rate takes another one and reports no error. A line bears a
-    // difference of some percent.
+    // A driver that lacks the rate takes another one and reports no error. A serial line works with
+    // a difference of a few percent.
     return std::abs(SerialRate(descriptor) - rate) <= rate / 20;
 }
 

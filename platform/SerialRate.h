@@ -6,5 +6,5 @@
 // for. 0 if the descriptor is no terminal.
 std::int64_t SerialRate(int descriptor);
 
-// Sets it, both ways. False if the driver can't, nor to one close to it.
+// Sets it for both directions. False if the driver takes neither this speed nor one within 5 %.
 bool SetSerialRate(int descriptor, std::int64_t rate);

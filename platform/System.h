@@ -4,13 +4,14 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 class SerialPort {
   public:
     explicit SerialPort(std::string name) : mName(std::move(name)) {}
 
-    // Behind the DevicePrefix of System it makes the device's path.
+    // The device's path is System's DevicePrefix with this name after it.
     const std::string& Name() const { return mName; }
 
   private:

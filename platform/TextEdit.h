@@ -13,7 +13,6 @@ class TextEdit : public RectControl {
   public:
     virtual std::string Text() const = 0;
     virtual void Text(std::string_view text) = 0;
-    virtual void ReadOnly(bool readOnly) = 0;
 
   protected:
     using RectControl::RectControl;
@@ -28,7 +27,7 @@ class TextArea : public TextEdit {
     // control can show; an edited text is what the control shows.
     std::string Text() const override;
     void Text(std::string_view text) override;
-    void ReadOnly(bool readOnly) override;
+    void ReadOnly(bool readOnly);
 
     // Adds text at the end, with no separator. `text` holds whole characters, with LF as line end.
     void AppendText(std::string_view text);
@@ -56,7 +55,6 @@ class TextField : public TextEdit {
 
     std::string Text() const override;
     void Text(std::string_view text) override;
-    void ReadOnly(bool readOnly) override;
 
     std::function<void(TextField&)> TextChange;
 };

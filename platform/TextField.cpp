@@ -27,5 +27,3 @@ void TextField::Text(std::string_view text) {
     }
     Raise(TextChange);
 }
-
-void TextField::ReadOnly(bool readOnly) { Line(*this)->setReadOnly(readOnly); }

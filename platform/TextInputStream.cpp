@@ -36,13 +36,12 @@ std::unique_ptr<TextInputStream> TextInputStream::Open(const FolderItemRef& file
     if (!file) throw NilObjectException("TextInputStream.Open of nullptr");
     auto bytes = WholeFile(file->NativePath());
     if (!bytes) return nullptr;
+    if (bytes->starts_with(kByteOrderMark)) bytes->erase(0, kByteOrderMark.size());
     return std::unique_ptr<TextInputStream>(
         new TextInputStream(IsUtf8(*bytes) ? std::move(*bytes) : FromShiftJis(*bytes)));
 }
 
-TextInputStream::TextInputStream(std::string text) : mText(std::move(text)) {
-    if (mText.starts_with(kByteOrderMark)) mNext = kByteOrderMark.size();
-}
+TextInputStream::TextInputStream(std::string text) : mText(std::move(text)) {}
 
 std::string TextInputStream::ReadLine(std::nullptr_t) {
     const std::size_t end = std::min(mText.find_first_of("\r\n", mNext), mText.size());

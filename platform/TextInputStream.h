@@ -6,7 +6,7 @@
 
 #include "platform/FolderItem.h"
 
-// Reads a text file line by line. The text is UTF-8, a leading byte order mark skipped, or
+// Reads a text file line by line. A leading byte order mark is skipped. The text is UTF-8, or
 // Shift_JIS where the file as a whole isn't valid UTF-8. Lines end with LF, CRLF or CR.
 class TextInputStream {
   public:
@@ -17,11 +17,11 @@ class TextInputStream {
     // than the limit, or that is no regular file. Raises NilObjectException for a nullptr.
     static std::unique_ptr<TextInputStream> Open(const FolderItemRef& file);
 
-    // The next line as UTF-8, without its line end; empty at the end. The encoding of the file is
-    // found as said above; nullptr asks for no other.
+    // The next line as UTF-8, without its line end; empty at the end. `encoding` is always nullptr:
+    // the file's own is found as said above.
     std::string ReadLine(std::nullptr_t encoding = nullptr);
 
-    // True when nothing is left to read. (The plain name is a macro of C's.)
+    // True when nothing is left to read. (EOF is a macro of <cstdio>.)
     bool Eof() const { return mNext == mText.size(); }
     void Close() { mNext = mText.size(); }
 

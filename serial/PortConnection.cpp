@@ -4,6 +4,7 @@
 #include "flash/EspWin.h"
 #include "frame/Module1.h"
 #include "platform/System.h"
+#include "platform/Text.h"
 
 void EspWin::BaudPM_Open(PopupMenu& sender) {
     for (std::int64_t i = 0; i < sender.ListCount(); ++i) {
@@ -70,7 +71,7 @@ void EspWin::RbPortClose() {
     ConnectPB().Caption(Module1::kConnect(""));
 }
 
-// A name that is already further down also stays there.
+// A name that is already further down stays there too: it is then remembered twice.
 void EspWin::MemoPortInfo(const std::string& port) {
     if (!Equal(port, mPortName[0])) {
         std::shift_right(mPortName.begin(), mPortName.end(), 1);

@@ -1,7 +1,10 @@
 // The list of serial ports.
+#include <vector>
+
 #include "flash/EspWin.h"
 #include "frame/Module1.h"
 #include "platform/System.h"
+#include "platform/Text.h"
 
 void EspWin::PortPM_Open(PopupMenu&) { MakeSerialPortPopupMenu(); }
 

@@ -115,6 +115,8 @@ class FaultTest : public QObject {
         const auto row = Columns<QByteArray, int>("setting", "rows");
         row("16 MB of noise and a line", noise + '\n' + line, 1);
         row("an address of 10 MB", line.chopped(1) + QByteArray(10'000'000, 'x'), 1);
+        row("a name of 200,000 accents, and a line",
+            "up," + QByteArray("\xCC\x81\xCC\x96").repeated(100'000) + '\n' + line, 1);
         row("10,000 lines", line.repeated(10'000), 10'000);
         row("larger than the limit", line + noise + noise, 0);
         row("can be opened, but not read", "", 0);

@@ -112,6 +112,7 @@ class TextTest : public QObject {
         row("empty lines", "\n\r\n\r\ra\n\r", {"", "", "", "", "a", ""});
         row("byte order mark", "\xEF\xBB\xBFup,é\n", {"up,é"});
         row("Shift_JIS with a backslash byte", "\x83\x5C\x95\x5C.bin,0\r\nb", {"ソ表.bin,0", "b"});
+        row("byte order mark before Shift_JIS", "\xEF\xBB\xBF\x83\x65\n", {"テ"});
         row("Shift_JIS on the last line", "é\n\x83\x65", {"ﾃｩ", "テ"});
         row("NUL", QByteArray("a\0b\nc", 5), {QString("a%1b").arg(QChar(0)), "c"});
         row("a long line", QByteArray(200'000, 'x') + "\ny", {QString(200'000, 'x'), "y"});

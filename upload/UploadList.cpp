@@ -1,8 +1,8 @@
 // The list of images. The control is the model: its rows are the images of the command.
 #include "flash/EspWin.h"
 
-// New files fill the list's free row or go behind the last. A free row is always the only row:
-// every new row is filled at once, and a row is emptied only if it is the last one.
+// A new file goes into the free row (one without a file), else into a new row at the end. A free
+// row is always the only one: a new row is filled at once, and Delete empties no row but the last.
 void EspWin::SetUploadFileToList(const FolderItemRef& file, const std::string& address) {
     Listbox& list = ulb();
     std::int64_t row = 0;
