@@ -6,19 +6,12 @@
 #include <stdlib.h>
 #include <unistd.h>
 
-#include <QtGlobal>
-#include <string>
-
 #include "platform/System.h"
 
 // The device's side of a port. Destroying it pulls the device out.
 struct Device {
-    Device() {
-        // Not every system takes O_CLOEXEC in posix_openpt.
-        if (fcntl(fd, F_SETFD, FD_CLOEXEC) != 0 || grantpt(fd) != 0 || unlockpt(fd) != 0)
-            qFatal("no pseudo terminal");
-        path = ptsname(fd);
-        name = path.substr(System().DevicePrefix.size());
+    Device() {  // not every system takes O_CLOEXEC in posix_openpt
+        if (fcntl(fd, F_SETFD, FD_CLOEXEC) != 0 || grantpt(fd) != 0 || unlockpt(fd) != 0) abort();
     }
     ~Device() { close(fd); }
 
@@ -29,5 +22,5 @@ struct Device {
     }
 
     const int fd = posix_openpt(O_RDWR | O_NOCTTY);
-    std::string path, name;
+    std::string path = ptsname(fd), name = path.substr(System().DevicePrefix.size());
 };

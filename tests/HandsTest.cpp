@@ -135,7 +135,8 @@ class HandsTest : public QObject {
         row("Ctrl+Return, marked as repeated", Qt::CTRL | Qt::Key_Return, true);
     }
     void HeldKeyStartsOneRun() {
-        const auto [keys, marked] = Row<QKeyCombination, bool>("keys", "marked");
+        QFETCH(const QKeyCombination, keys);
+        QFETCH(const bool, marked);
         const WholeJob job;
         job.TabTo("StartPB");
         const auto send = [&](QEvent::Type type, ulong time, bool repeated) {

@@ -38,15 +38,15 @@ struct Job {
     QImage Picture(int row, int column) const {
         return view->viewport()->grab(Place(row, column).adjusted(0, 0, -1, 0)).toImage();
     }
-    // In the window, as the hand does it: what lies there gets the click.
     QPoint InWindow(int row, int column) const {
         return view->viewport()->mapTo(opened.frame, Place(row, column).center());
     }
+    // Clicks and keys go to the window, as hands have it: what lies there or has the focus gets
+    // them.
     void Click(int row, int column, Qt::KeyboardModifiers held = {}) const {
         QTest::mouseClick(Desktop(), Qt::LeftButton, held, InWindow(row, column));
     }
-    // To whatever has the focus, with so many milliseconds before the first key and before each
-    // of the others.
+    // With so many milliseconds before the first key and before each of the others.
     void Type(const QString& text, int before = 0, int between = 0) const {
         for (const QChar c : text) {
             QTest::qWait(std::exchange(before, between));

@@ -44,16 +44,6 @@ class PaneTest : public QObject {
         QCOMPARE(QApplication::clipboard()->text().toStdString(), "Install ...." + printed);
     }
 
-    // Of a text that begins with a byte order mark, nothing gets lost.
-    void ByteOrderMark() {
-        const OpenedWindow opened;
-        opened.window.ResetEF().Text("\xEF\xBB\xBFx");
-        QCOMPARE(opened.window.ResetEF().Text(), "\xEF\xBB\xBFx");
-        QTRY_VERIFY(opened.Widget<QPlainTextEdit>("InstallEF")
-                        ->toPlainText()
-                        .contains(QString(QChar::ByteOrderMark) + 'x'));
-    }
-
     void OutputStaysInView() {
         const OpenedWindow opened;
         const QScrollBar* bar = opened.Widget<QPlainTextEdit>("rEF")->verticalScrollBar();

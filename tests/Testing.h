@@ -80,7 +80,6 @@ class PreparedFolder {
         return std::make_shared<const FolderItem>(Path(relative).toStdString());
     }
 
-    // Folders on the way are made.
     QString Write(const QString& relative, const QByteArray& bytes, int mode = 0644) const {
         const QString path = Path(relative);
         QDir().mkpath(QFileInfo(path).path());

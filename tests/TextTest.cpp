@@ -10,11 +10,10 @@
 
 namespace {
 
-QByteArray OutputOf(const QString& program, const QStringList& arguments,
-                    const QString& folder = {}) {
+QByteArray OutputOf(const QString& program, const QString& argument, const QString& folder) {
     QProcess process;
     process.setWorkingDirectory(folder);
-    process.start(program, arguments);
+    process.start(program, {argument});
     return process.waitForFinished() ? process.readAllStandardOutput() : "hangs";
 }
 
@@ -26,81 +25,68 @@ class TextTest : public QObject {
     void AShellSeesAPathAsOneWord_data() {
         const auto row = Columns<QByteArray>("name");
         row("no quotes needed", "plain_-.+,:@%=09");
-        row("blank and single quotes", "two o'neil'");
+        row("blank and line ends", "two words\n\n");
+        row("single quotes", "o'neil'");
         row("expansions", "\"q\" `id` $HOME ${x} $(id)");
-        row("line ends", "a\nb\n");
         row("hyphen in front", "-rf");
         row("tilde", "~");
-        row("patterns and operators", "*?[a]{b,c};&|<>()#!^");
-        row("backslashes", "a\\b\\");
+        row("patterns and backslashes", "*?[a]{b,c}\\b\\");
+        row("operators and control characters", ";&|<>()#!^\t\r\x01");
         row("no valid text", "\xFF\xFE\x80.bin");
     }
     void AShellSeesAPathAsOneWord() {
         QFETCH(const QByteArray, name);
         const PreparedFolder folder;
         const FolderItemRef file = folder.Item("")->Child(name.toStdString());
-        QCOMPARE(file->Name(), name.toStdString());
         close(open(file->NativePath().c_str(), O_CREAT | O_WRONLY, 0600));
         // By a file, since a command line of Qt's holds valid text alone.
-        folder.Write("command", "printf '<%s>' " + QByteArray::fromStdString(file->ShellPath()) +
-                                    "; rm " + QByteArray::fromStdString(file->ShellPath()));
-        QCOMPARE(OutputOf("sh", {folder.Path("command")}),
+        const QByteArray path = file->ShellPath().c_str();
+        folder.Write("command", "printf '<%s>' " + path + "; rm " + path);
+        QCOMPARE(OutputOf("sh", "command", folder.Path()),
                  '<' + folder.Path().toUtf8() + '/' + name + '>');
         QVERIFY(!file->Exists());
     }
 
     void ANameFindsItsFile_data() {
-        const QString composed = "\u30AC\u00E9.bin", decomposed = "\u30AB\u3099e\u0301.bin";
-        const auto row = Columns<QStringList, QString, QString>("files", "name", "found");
+        const auto row = Columns<QByteArrayList, QByteArray, QByteArray>("files", "name", "found");
+        const QByteArray composed = "\u30AC\u00E9.bin", decomposed = "\u30AB\u3099e\u0301.bin";
         row("written on macOS", {decomposed}, composed, decomposed);
         row("written for macOS", {composed}, decomposed, composed);
-        row("the same bytes come first", {composed, decomposed}, decomposed, decomposed);
+        row("the same bytes", {composed, decomposed}, decomposed, decomposed);
         row("another letter", {composed}, "\u30AD\u00E9.bin", "");
-        row("another case", {"Boot.BIN", "app.bin"}, "boot.bin", "Boot.BIN");
-        row("another case beyond ASCII", {"\u00C9.bin"}, "e\u0301.BIN", "\u00C9.bin");
-        row("two of another case", {"Boot.bin", "BOOT.bin"}, "boot.bin", "");
-        row("the same case among others", {"Boot.bin", "boot.bin"}, "boot.bin", "boot.bin");
-        row("normalised before another case", {decomposed, "\u30AC\u00C9.bin"}, composed,
+        row("another case", {"\u00C9B.bin"}, "e\u0301b.BIN", "\u00C9B.bin");
+        row("normalised, not in another case", {decomposed, "\u30AC\u00C9.bin"}, composed,
             decomposed);
+        row("two of another case", {"Boot.bin", "BOOT.bin"}, "boot.bin", "");
+        row("no valid text", {"\xFF.bin"}, "\uFFFD.bin", "");
+        row("the same case", {"Boot.bin", "boot.bin"}, "boot.bin", "boot.bin");
     }
     void ANameFindsItsFile() {
         const auto [files, name, found] =
-            Row<QStringList, QString, QString>("files", "name", "found");
+            Row<QByteArrayList, QByteArray, QByteArray>("files", "name", "found");
         const PreparedFolder folder;
-        for (const QString& file : files) folder.Write(file, "1");
+        const QByteArray path = folder.Path().toUtf8() + '/';
+        for (const QByteArray& file : files) fclose(fopen(path + file, "w"));
         const FolderItemRef child = folder.Item("")->Child(name.toStdString());
         QCOMPARE(child->Exists(), !found.isEmpty());
         QCOMPARE(child->Name(), (found.isEmpty() ? name : found).toStdString());
-    }
-
-    // A name that can't be read must not pass for another one.
-    void NamesThatAreNoTextAreNotSimilar() {
-        const PreparedFolder folder;
-        const std::string path = folder.Path().toStdString() + "/\xFF.bin";
-        close(open(path.c_str(), O_CREAT | O_WRONLY, 0600));
-        for (const char* name : {"\xFE.bin", "\uFFFD.bin"})
-            QVERIFY(!folder.Item("")->Child(name)->Exists());
-        unlink(path.c_str());  // not every way of removing the folder can name it
+        for (const QByteArray& file : files) unlink(path + file);  // Qt can't name all of them
     }
 
     void TheBaseFolder_data() {
         const auto row = Columns<QString, QString, QString>("program", "link", "base");
         row("installed", "p/lib/quillstone/quillstone", "p/bin/quillstone", "work");
-        row("a copy in a folder lib", "p/lib/job/quillstone", "", "p/lib/job");
-        row("a link to a copy", "job/quillstone", "bin/quillstone", "job");
+        row("a copy in a folder lib", "p/lib/job/quillstone", "x/quillstone", "p/lib/job");
+        row("a copy in a folder bin", "bin/quillstone", "x/quillstone", "bin");
     }
     void TheBaseFolder() {
         const auto [program, link, base] =
             Row<QString, QString, QString>("program", "link", "base");
         const PreparedFolder folder;
-        folder.Write("work/x", "");
-        const QString path = folder.Write(program, ""), started = folder.Path(link);
-        QVERIFY(QFile::remove(path) && QFile::copy(QApplication::applicationFilePath(), path));
-        if (!link.isEmpty()) {
-            QDir().mkpath(QFileInfo(started).path());
-            QVERIFY(QFile::link(path, started));
-        }
-        QCOMPARE(OutputOf(link.isEmpty() ? path : started, {"--base-folder"}, folder.Path("work")),
+        for (const QString& name : {QString("work/"), program, link}) folder.Write(name + "x", "");
+        QVERIFY(QFile::copy(QApplication::applicationFilePath(), folder.Path(program)));
+        QVERIFY(QFile::link(folder.Path(program), folder.Path(link)));
+        QCOMPARE(OutputOf(folder.Path(link), "--base-folder", folder.Path("work")),
                  QFileInfo(folder.Path(base)).canonicalFilePath().toUtf8());
     }
 
@@ -115,9 +101,6 @@ class TextTest : public QObject {
         row("byte order mark before Shift_JIS", "\xEF\xBB\xBF\x83\x65\n", {"テ"});
         row("Shift_JIS on the last line", "é\n\x83\x65", {"ﾃｩ", "テ"});
         row("NUL", QByteArray("a\0b\nc", 5), {QString("a%1b").arg(QChar(0)), "c"});
-        row("a long line", QByteArray(200'000, 'x') + "\ny", {QString(200'000, 'x'), "y"});
-        row("as large as can be", QByteArray(limit - 2, 'x') + "\ny",
-            {QString(limit - 2, 'x'), "y"});
         row("too large", QByteArray(limit, 'x') + "\n", {});
     }
     void LinesOfAFile() {
@@ -137,10 +120,9 @@ class TextTest : public QObject {
         const auto row = Columns<QByteArray, QByteArray>("output", "text");
         row("line ends", "a\nb\r\nc\rd", "a\nb\nc\nd");
         row("empty lines", "\na\n\n\r\nb", "\na\n\n\nb");
-        row("progress with CR behind", "1 %\r2 %\r\n", "1 %\n2 %\n");
+        row("progress with CR behind", "1 %\r2 %\r", "1 %\n2 %\n");
         row("progress with CR in front", "x\n\r1 %\r2 %\n\ry", "x\n1 %\n2 %\ny");
         row("CR twice", "a\r\r\nb\r\rc", "a\nb\nc");
-        row("CR at the end", "a\r", "a\n");
         row("split characters", "\u00E9\u30AC\U0001F600", "\u00E9\u30AC\U0001F600");
         row("part of a character at the end", "a\xE3\x83", "a\xE3\x83");
         row("no UTF-8", "\xFF\x80\x80\x80\x80z", "\xFF\x80\x80\x80\x80z");

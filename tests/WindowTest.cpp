@@ -11,8 +11,9 @@
 
 namespace {
 
-// What a control does when the window grows.
-enum class Follows { Nothing, RightEdge, Width, Both };
+// What a control adds to its left edge, its width and its height of what the window grows.
+constexpr QMargins kNothing(0, 0, 0, 0), kMoves(1, 0, 0, 0), kWidens(0, 0, 1, 0),
+    kGrows(0, 0, 1, 1);
 
 // Of a popup its rows, the selected one with a star.
 QStringList Shown(QWidget* widget) {
@@ -25,8 +26,6 @@ QStringList Shown(QWidget* widget) {
     return rows;
 }
 
-auto* Spoken(QObject* object) { return QAccessible::queryAccessibleInterface(object); }
-
 QStringList Enabled(const QMenu* menu) {
     QStringList names;
     for (const QAction* item : menu->actions())
@@ -35,60 +34,54 @@ QStringList Enabled(const QMenu* menu) {
 }
 
 }  // namespace
-Q_DECLARE_METATYPE(Follows)
 
 class WindowTest : public QObject {
     Q_OBJECT
   private slots:
     void Control_data() {
-        QTest::addColumn<QRect>("place");
-        QTest::addColumn<Follows>("follows");
-        QTest::addColumn<int>("textSize");
-        QTest::addColumn<QStringList>("shown");
-        QTest::addColumn<QString>("label");  // that a screen reader connects with it
-        const auto row = [](const char* name, const QRect& place, const QStringList& shown,
-                            Follows follows = Follows::Nothing, const QString& label = {},
-                            int textSize = 11) {
-            QTest::newRow(name) << place << follows << textSize << shown << label;
-        };
-        using enum Follows;
+        // The label is the one that a screen reader connects with it.
+        const auto full = Columns<QRect, QMargins, int, QStringList, QString>(
+            "place", "growth", "textSize", "shown", "label");
+        const auto row = [full](const char* name, QRect place, QStringList shown,
+                                QMargins growth = kNothing, QString label = {},
+                                int size = 11) { full(name, place, growth, size, shown, label); };
         row("tooltypePM", {30, -143, 107, 20}, {"esptool.py", "*esptool-ck"});
         row("Label1", {0, 7, 75, 20}, {"ESP Tool: "});
         row("StartPB", {422, 290, 80, 20}, {"Start"});
-        row("rEF", {0, 322, 512, 198}, {"Install ...."}, Both);
-        row("UploadEF", {20, -77, 334, 45}, {""}, Width);
+        row("rEF", {0, 322, 512, 198}, {"Install ...."}, kGrows);
+        row("UploadEF", {20, -77, 334, 45}, {""}, kWidens);
         row("Label2", {0, 56, 75, 20}, {"Port (-cp): "});
         row("Label3", {0, 134, 75, 20}, {"Upload: "});
-        row("SelectPB", {422, 179, 80, 20}, {"Select"}, RightEdge);
-        row("EspToolEF", {80, 7, 334, 45}, {""}, Width, "Label1");
+        row("SelectPB", {422, 179, 80, 20}, {"Select"}, kMoves);
+        row("EspToolEF", {80, 7, 334, 45}, {""}, kWidens, "Label1");
         row("Label5", {0, 208, 75, 20}, {"Install: "});
         row("BaudPM", {80, 82, 80, 20},
             {"2400", "4800", "7200", "9600", "14400", "19200", "28800", "38400", "57600", "76800",
              "*115200", "230400", "460800", "921600"},
-            RightEdge, "Label9", 10);
-        row("BitsPM", {262, -109, 50, 20}, {"5", "6", "7", "*8"}, Nothing, {}, 10);
-        row("ConnectPB", {350, -143, 80, 20}, {"Connect"}, RightEdge);
-        row("CtsCB", {443, -123, 50, 20}, {"CTS"}, RightEdge, {}, 10);
-        row("DtrCB", {443, -103, 50, 20}, {"DTR"}, RightEdge, {}, 10);
-        row("ParityPM", {317, -109, 50, 20}, {"*No", "Odd", "Even"}, Nothing, {}, 10);
-        row("PortPM", {80, 56, 331, 20}, {}, Width, "Label2");
+            kMoves, "Label9", 10);
+        row("BitsPM", {262, -109, 50, 20}, {"5", "6", "7", "*8"}, kNothing, {}, 10);
+        row("ConnectPB", {350, -143, 80, 20}, {"Connect"}, kMoves);
+        row("CtsCB", {443, -123, 50, 20}, {"CTS"}, kMoves, {}, 10);
+        row("DtrCB", {443, -103, 50, 20}, {"DTR"}, kMoves, {}, 10);
+        row("ParityPM", {317, -109, 50, 20}, {"*No", "Odd", "Even"}, kNothing, {}, 10);
+        row("PortPM", {80, 56, 331, 20}, {}, kWidens, "Label2");
         row("ScanBtn", {422, 57, 80, 20}, {"Sccan"});
-        row("StopPM", {372, -109, 50, 20}, {"*1", "1.5", "2"}, Nothing, {}, 10);
-        row("XonCB", {443, -143, 50, 20}, {"XON"}, RightEdge, {}, 10);
+        row("StopPM", {372, -109, 50, 20}, {"*1", "1.5", "2"}, kNothing, {}, 10);
+        row("XonCB", {443, -143, 50, 20}, {"XON"}, kMoves, {}, 10);
         row("Label7", {0, 109, 75, 20}, {"Reset (-cd): "});
-        row("ResetEF", {80, 108, 80, 22}, {"ck"}, Nothing, "Label7");
+        row("ResetEF", {80, 108, 80, 22}, {"ck"}, kNothing, "Label7");
         row("Label9", {0, 81, 75, 20}, {"Speed (-cb): "});
-        row("InstallEF", {80, 208, 334, 108}, {" -vv -cd ck -cb 115200 "}, Width, "Label5");
-        row("SelectESPPB", {422, 7, 80, 20}, {"Select"}, RightEdge);
+        row("InstallEF", {80, 208, 334, 108}, {" -vv -cd ck -cb 115200 "}, kWidens, "Label5");
+        row("SelectESPPB", {422, 7, 80, 20}, {"Select"}, kMoves);
         row("Label8", {-87, -56, 75, 20}, {"Address (-ca): "});
-        row("ulb", {80, 134, 334, 70}, {""}, Nothing, "Label3");
-        row("DeletePB", {422, 134, 80, 20}, {"Delete"}, RightEdge);
-        row("AddressEF", {379, -54, 88, 22}, {"0x00000000"}, Nothing, "Label8");
+        row("ulb", {80, 134, 334, 70}, {""}, kNothing, "Label3");
+        row("DeletePB", {422, 134, 80, 20}, {"Delete"}, kMoves);
+        row("AddressEF", {379, -54, 88, 22}, {"0x00000000"}, kNothing, "Label8");
     }
     void Control() {
-        const auto [place, follows, textSize, shown, label] =
-            Row<QRect, Follows, int, QStringList, QString>("place", "follows", "textSize", "shown",
-                                                           "label");
+        const auto [place, growth, textSize, shown, label] =
+            Row<QRect, QMargins, int, QStringList, QString>("place", "growth", "textSize", "shown",
+                                                            "label");
         const PreparedFolder folder("a/b/base");
         const OpenedWindow opened;
         QWidget* widget = opened.Widget<QWidget>(QTest::currentDataTag());
@@ -99,30 +92,25 @@ class WindowTest : public QObject {
         QCOMPARE(widget->isEnabled(), widget->objectName() != "DeletePB");
 
         const QWidget* content = widget->parentWidget();
-        using enum Follows;
         for (const QSize& size : {QSize(512, 540), {900, 800}, {1, 1}, {64, 2000}}) {
             opened.frame->resize(size + opened.frame->size() - content->size());
             QCOMPARE(content->size(), size.expandedTo({64, 64}));
-            const QSize grown = content->size() - QSize(512, 540);
-            const QSize wider(grown.width(), 0), none(0, 0);
-            const QSize growth = follows == Both ? grown : follows == Width ? wider : none;
-            QCOMPARE(widget->size(), (place.size() + growth).expandedTo(none));
-            QCOMPARE(widget->pos(),
-                     place.topLeft() + QPoint(follows == RightEdge ? grown.width() : 0, 0));
+            const int wider = content->width() - 512, higher = content->height() - 540;
+            const QSize grown(growth.right() * wider, growth.bottom() * higher);
+            QCOMPARE(widget->pos(), place.topLeft() + QPoint(growth.left() * wider, 0));
+            QCOMPARE(widget->size(), (place.size() + grown).expandedTo({0, 0}));
         }
 
-        const QString name = Spoken(widget)->text(QAccessible::Name);
+        const auto* spoken = QAccessible::queryAccessibleInterface(widget);
+        const QString name = spoken->text(QAccessible::Name);
+        const bool isPopup = qobject_cast<QComboBox*>(widget);  // whose name is its choice
+        QVERIFY(!(isPopup ? label + spoken->text(QAccessible::Description) : name).isEmpty());
         QVERIFY(name != "Select");  // which of the two?
-        if (qobject_cast<QComboBox*>(widget))
-            QVERIFY(label + Spoken(widget)->text(QAccessible::Description) != "");
-        else
-            QVERIFY(!name.isEmpty());
-        if (qobject_cast<QAbstractButton*>(widget))
-            QVERIFY2(name.contains(shown[0]), qPrintable(name));
-        if (label.isEmpty()) return;
-        const auto relations = Spoken(widget)->relations(QAccessible::Label);
-        QCOMPARE(relations.size(), 1);
-        QCOMPARE(relations[0].first->object(), opened.Widget<QObject>(qPrintable(label)));
+        if (qobject_cast<QAbstractButton*>(widget)) QVERIFY(name.contains(shown[0]));
+        const auto relations = spoken->relations(QAccessible::Label);
+        QCOMPARE(relations.size(), label.isEmpty() ? 0 : 1);
+        for (const auto& [other, relation] : relations)
+            QCOMPARE(other->object(), opened.Widget<QObject>(qPrintable(label)));
     }
 
     void Menus() {
@@ -182,6 +170,7 @@ class WindowTest : public QObject {
         row("a tool", {"esptool/esptool"}, true, "");
         row("three settings", {here, above, top}, false, here);
         row("two settings and a tool above", {above, top, "../esptool/esptool"}, false, above);
+        row("a setting two levels above", {top}, false, top);
         row("a setting three levels above", {"../../../" + here}, false, "");
         row("a folder in the setting's place", {here + "/x"}, false, "");
         row("a bin without a setting", {"bin/x", above}, false, "");
@@ -201,30 +190,26 @@ class WindowTest : public QObject {
     // screen. The steps are Driver's.
     void Program_data() {
         const auto row =
-            Columns<QStringList, QSize, int, QByteArray>("steps", "screen", "status", "output");
-        const QSize large(1024, 768), small(800, 480);
-        row("quit", {"Ctrl+Q"}, large, 0, "");
+            Columns<QStringList, int, int, QByteArray>("steps", "height", "status", "output");
+        row("quit", {"Ctrl+Q"}, 768, 0, "");
         row("quit while an address is edited",
-            {"Shift+Tab", "Shift+Tab", "Shift+Tab", "Down", "9", "Ctrl+Q"}, large, 0, "");
-        row("closed during a run", {"Ctrl+Return", "wait running", "close"}, large, 0, "");
-        row("on a large screen", {"print content", "close"}, large, 0, "540\n");
-        row("on a small screen", {"print frame", "close"}, small, 0, "480\n");
-        row("an exception", {"throw"}, large, 1, "quillstone: unhandled exception: planted\n");
+            {"Shift+Tab", "Shift+Tab", "Shift+Tab", "Down", "9", "Ctrl+Q"}, 768, 0, "");
+        row("closed during a run", {"Ctrl+Return", "wait running", "close"}, 768, 0, "");
+        row("on a large screen", {"print content", "close"}, 768, 0, "540\n");
+        row("on a small screen", {"print frame", "close"}, 480, 0, "480\n");
+        row("an exception", {"throw"}, 768, 1, "quillstone: unhandled exception: planted\n");
     }
     void Program() {
-        const auto [steps, screen, status, output] =
-            Row<QStringList, QSize, int, QByteArray>("steps", "screen", "status", "output");
+        const auto [steps, height, status, output] =
+            Row<QStringList, int, int, QByteArray>("steps", "height", "status", "output");
         const PreparedFolder folder("a/b/base");
         folder.WriteTool("touch ~/running; exec sleep 60");
         const QString link = folder.Path("../link");
         QVERIFY(QFile::copy(QUILLSTONE_PROGRAM, folder.Path("program")));
         QVERIFY(QFile::link(folder.Path("program"), link));
-        const QString screens =
-            folder.Write("screens", QString(R"({"screens": [{"name": "s", "x": 0, "y": 0,
-                "width": %1, "height": %2, "logicalDpi": 96, "logicalBaseDpi": 96, "dpr": 1}]})")
-                                        .arg(screen.width())
-                                        .arg(screen.height())
-                                        .toUtf8());
+        const QByteArray screen = R"({"screens": [{"name": "s", "x": 0, "y": 0, "width": 800,
+            "logicalDpi": 96, "logicalBaseDpi": 96, "dpr": 1, "height": )";
+        const QString screens = folder.Write("s", screen + QByteArray::number(height) + "}]}");
         QProcess program;
         auto environment = QProcessEnvironment::systemEnvironment();
         environment.insert("HOME", folder.Path());
