@@ -68,29 +68,6 @@ class HandsTest : public QObject {
         QCOMPARE(job.Runs(), 2);
     }
 
-    void WholeJobByMouse() {
-        const WholeJob job;
-        const QString second = "<-ca><x><-cf><@/b b.bin>";
-        job.Click("StartPB");  // all is prepared
-        QCOMPARE(job.Arguments(),
-                 "<-cd><ck><-cb><115200><-cp></dev/p><-ca><1><-cf><@/a.bin>" + second);
-        for (const auto& [name, row] : {std::pair("PortPM", 1), {"BaudPM", 11}}) {
-            QAbstractItemView* rows = job.Widget<QComboBox>(name)->view();
-            QApplication::setDoubleClickInterval(40);
-            job.Click(name);
-            QTRY_VERIFY(rows->isVisible());
-            QTest::qWait(2 * QApplication::doubleClickInterval());  // no click is taken before
-            const QRect place = rows->visualRect(rows->model()->index(row, 0));
-            QTest::mouseClick(rows->viewport(), Qt::LeftButton, {}, place.center());
-            QTRY_VERIFY(!rows->isVisible());
-        }
-        QWidget* list = job.Widget<QTableView>("ulb")->viewport();
-        QTest::mouseClick(list, Qt::LeftButton, {}, {9, 9});
-        job.Click("DeletePB");
-        job.Click("StartPB");
-        QCOMPARE(job.Arguments(), "<-cd><ck><-cb><230400><-cp></dev/q>" + second);
-    }
-
     void TabGoesRound() {
         const WholeJob job;
         QCOMPARE(job.Focus(), "rEF");  // where no key changes anything
