@@ -111,22 +111,20 @@ class SerialTest : public QObject {
 
     void FailuresOfThePort() {
         const Device device;
-        const std::vector<std::string> none, listed = {"null", "nowhere", device.name};
-        const Terminal terminal(none);
+        const Terminal terminal({});
         const int lock = open(device.path.c_str(), O_RDWR | O_NOCTTY);
         QCOMPARE(flock(lock, LOCK_EX | LOCK_NB), 0);
         const auto files = OpenFiles();
         QVERIFY(terminal.PressConnect(false));  // no port
-        terminal.Scan(listed);
-        for (const int row : {0, 1, 2}) {  // no terminal, no device, somebody else's
-            terminal.ports.ListIndex(row);
+        for (const std::string& name : {std::string("null"), std::string("nowhere"), device.name}) {
+            terminal.Scan({name});  // no terminal, no device, somebody else's
             QVERIFY(terminal.PressConnect(false));
         }
-        terminal.Ports(none);
-        QVERIFY(terminal.PressConnect(false));  // gone since the scan
         QCOMPARE(OpenFiles(), files);
-        terminal.Ports(listed);
         QCOMPARE(flock(lock, LOCK_UN), 0);
+        terminal.Ports({});
+        QVERIFY(terminal.PressConnect(false));  // gone since the scan
+        terminal.Ports({device.name});
         QVERIFY(terminal.PressConnect(true));
         QCOMPARE(flock(lock, LOCK_EX | LOCK_NB), -1);  // nobody else gets it now
         close(lock);
