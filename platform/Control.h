@@ -85,7 +85,7 @@ class RectControl : public Control {
     QWidget* Native() const { return mNative; }
 
   protected:
-    // Takes the widget over.
+    // Takes ownership of the widget.
     RectControl(std::string name, QWidget* native);
 
   private:

@@ -6,7 +6,7 @@ namespace {
 
 struct {
     int releasedKey = 0;
-    quint64 releasedAt = 0;  // 0 is no time
+    quint64 releasedAt = 0;  // 0: unknown
     bool isHeld = false;
 } keyboard;
 

@@ -7,8 +7,8 @@ class QKeyEvent;
 // Has to see every event before it is handled.
 void WatchForHeldKey(const QEvent& event);
 
-// Whether the key that is being handled is one that is held down and repeats itself. Qt looks only
-// whether the next event is there already, and so misses some of them on X11.
+// Whether the key that is being handled is one that is held down and repeats itself. On X11 Qt
+// marks a repeat only if the next press is already waiting, so it misses some.
 bool KeyIsHeld();
 
 // A button that a held key presses once.

@@ -6,6 +6,7 @@
 #include <QHeaderView>
 #include <QPointer>
 #include <QTableView>
+#include <algorithm>
 #include <utility>
 
 #include "platform/ListModel.h"
@@ -78,8 +79,15 @@ class CellAccess : public QAccessibleInterface,
     }
 
     void deleteText(int start, int end) override { replaceText(start, end, {}); }
-    void insertText(int at, const QString& text) override { replaceText(at, at, text); }
+    void insertText(int at, const QString& text) override {
+        at = std::clamp(at, 0, characterCount());
+        replaceText(at, at, text);
+    }
+    // Screen readers may give any numbers. A negative end means the end of the text.
     void replaceText(int start, int end, const QString& text) override {
+        const int size = characterCount();
+        start = std::clamp(start, 0, size);
+        end = end < 0 ? size : std::clamp(end, start, size);
         setText(QAccessible::Value, Text().replace(start, end - start, text));
     }
 
@@ -199,14 +207,17 @@ class TableAccess : public QAccessibleWidget, public QAccessibleTableInterface {
 
     QAccessibleInterface* caption() const override { return nullptr; }
     QAccessibleInterface* summary() const override { return nullptr; }
+    // Row and column -1 have the headings. nullptr outside the table.
     QAccessibleInterface* cellAt(int row, int column) const override {
-        return child(IndexOf(row, column));
+        const bool inside = row >= -1 && row < rowCount() && column >= -1 && column < columnCount();
+        return inside ? child(IndexOf(row, column)) : nullptr;
     }
     int rowCount() const override { return mView.model() ? mView.model()->rowCount() : 0; }
     int columnCount() const override { return mView.model() ? mView.model()->columnCount() : 0; }
     QString rowDescription(int) const override { return {}; }
     QString columnDescription(int column) const override {
-        return cellAt(-1, column)->text(QAccessible::Name);
+        const auto* heading = cellAt(-1, column);
+        return heading ? heading->text(QAccessible::Name) : QString();
     }
 
     int selectedRowCount() const override { return static_cast<int>(selectedRows().size()); }

@@ -7,6 +7,7 @@
 #include <QTableView>
 #include <utility>
 
+#include "platform/HeldKey.h"
 #include "platform/ListAccess.h"
 
 namespace {
@@ -16,7 +17,7 @@ class ListView : public QTableView {
     ListView(QWidget* parent, ListViewEvents events);
 
     void FocusNeighbour(bool next) { focusNextPrevChild(next); }
-    // Typing must not look for rows.
+    // Switches off Qt's search for a row by typing.
     void keyboardSearch(const QString&) override {}
 
     const ListViewEvents Events;
@@ -71,9 +72,9 @@ void ListView::keyPressEvent(QKeyEvent* event) {
     if (state() == EditingState || !TakeKey(*event)) QTableView::keyPressEvent(event);
 }
 
-// False leaves the key to Qt. What Qt would do with the keys here: move on from a current row that
-// nobody sees when none is selected, go to the ends of the row with Home and End, and type a blank
-// over the text with the space bar.
+// False leaves the key to Qt. Left to itself, Qt would start Up and Down from a current row that
+// isn't shown as selected, take Home and End to the ends of the row, and replace the text by a
+// space.
 bool ListView::TakeKey(QKeyEvent& event) {
     const bool modified =
         event.modifiers().testAnyFlags(Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier);
@@ -96,13 +97,13 @@ bool ListView::TakeKey(QKeyEvent& event) {
             if (row < 0) SelectRow(*this, model()->rowCount() - 1);
             return row < 0;
         case Qt::Key_Delete:
-            if (row >= 0 && !modified && !event.isAutoRepeat() && Events.DeletePressed)
+            if (row >= 0 && !modified && !KeyIsHeld() && Events.DeletePressed)
                 Events.DeletePressed();
             return true;
         case Qt::Key_F2:
         case Qt::Key_Return:
         case Qt::Key_Enter:
-            if (row < 0 || modified || event.isAutoRepeat()) return false;
+            if (row < 0 || modified || KeyIsHeld()) return false;
             EditRow(*this, row);
             return true;
         default:
@@ -116,7 +117,8 @@ bool ListView::TakeKey(QKeyEvent& event) {
     return true;
 }
 
-// Qt would open the editor for a text that an input method gives outright, and lose the text.
+// When an input method commits text without composing it first, Qt would open the editor and drop
+// the text.
 void ListView::inputMethodEvent(QInputMethodEvent* event) {
     const QString& text = event->commitString();
     if (state() == EditingState || text.isEmpty()) {

@@ -25,7 +25,8 @@ Listbox::Listbox(Window& owner, std::string name, const std::vector<std::string>
     mModel->Edited = [this](int row, int column) { Raise(CellTextChange, row, column); };
 }
 
-// The view lives on for a moment. It closes an open editor, and must not read the model after that.
+// The base class destroys the view, after the model. A view without its model closes an open editor
+// and reads nothing.
 Listbox::~Listbox() { View().setModel(nullptr); }
 
 QTableView& Listbox::View() const { return static_cast<QTableView&>(*Native()); }

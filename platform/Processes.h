@@ -1,5 +1,5 @@
-// The processes of a run, as its supervisor finds them. System calls alone, so that a look is
-// allowed in a child that was forked and hasn't executed anything.
+// The processes of a run, as its supervisor finds them. Nothing here allocates or takes a lock: the
+// supervisor was forked from a program that may have threads, and has executed nothing.
 #pragma once
 
 #include <sys/types.h>
@@ -18,13 +18,12 @@ class ProcessList {
     const pid_t* end() const { return mProcesses.data() + mCount; }
 
   private:
-    // If there are more, the rest is found when some of these have ended.
+    // A longer list is cut off. A kill is repeated, so a later round finds the rest.
     std::array<pid_t, 16384> mProcesses;
     std::size_t mCount = 0;
 };
 
-// Adds the children of `parent`, the dead that it hasn't waited for included. Nothing where the
-// system doesn't tell.
+// Adds the children of `parent`, zombies included. Nothing where the system doesn't tell.
 void AddChildren(pid_t parent, ProcessList& list);
 
 // Adds all descendants of this process. A process that is forked meanwhile may be missing.

@@ -12,7 +12,8 @@ qsizetype QtSize(std::string_view text) { return static_cast<qsizetype>(text.siz
 
 QString ToQt(std::string_view text) {
     QString converted = QString::fromUtf8(text.data(), QtSize(text));
-    // Qt drops a byte order mark at the beginning, which may be that of any piece of a text.
+    // Qt drops a leading byte order mark. Text comes in pieces, so here it may be a character from
+    // the middle.
     if (text.starts_with("\xEF\xBB\xBF")) converted.prepend(QChar::ByteOrderMark);
     return converted;
 }

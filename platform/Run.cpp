@@ -13,7 +13,7 @@ using namespace std::chrono_literals;
 
 constexpr auto kForceAfter = 2s;
 
-// The supervisor gives up after a second, unless it is kept from its work itself.
+// The supervisor gives up one second after its first kill. This is longer, in case it hangs itself.
 constexpr auto kGiveUpAfter = 1500ms;
 
 // The supervisor kills after 300 ms.
@@ -111,7 +111,7 @@ void Run::Drain() {
 
 void Run::Complete() {
     if (mSupervisor) {
-        // One that isn't over and has told nothing doesn't work any more itself.
+        // Neither a report nor an end of file: the supervisor itself hangs.
         auto left = mSupervisor->Unkilled();
         if (left.empty() && !mSupervisor->Hear()) left.push_back(mSupervisor->Process());
         if (!left.empty() && !mAtLineStart) mLastWords += '\n';

@@ -57,8 +57,8 @@ class Run {
     std::optional<Terminal> mTerminal;
     std::optional<Supervisor> mSupervisor;
     std::unique_ptr<QSocketNotifier> mArrival, mReport;  // of output, from the supervisor
-    std::unique_ptr<QTimer> mStep;                       // to what the phase leads to
+    std::unique_ptr<QTimer> mStep;                       // ends some phases
     std::size_t mRest = 0;                               // bytes that may still be drained
     bool mAtLineStart = false;
-    std::string mLastWords;  // of the program, behind the command's output
+    std::string mLastWords;  // lines of ours, shown behind the command's output
 };

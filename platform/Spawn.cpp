@@ -56,7 +56,8 @@ std::vector<char*> Pointers(std::vector<std::string>& strings) {
     return pointers;
 }
 
-// From here on to the end of the namespace: in a forked child, so system calls alone.
+// The functions from here to the end of the namespace run in a forked child of a program that may
+// have threads, so they only make calls that are safe in a signal handler.
 
 [[noreturn]] void Fail(std::string_view reason) {
     _exit(write(STDERR_FILENO, reason.data(), reason.size()) < 0 ? 127 : 126);
@@ -92,9 +93,8 @@ void KeepOnly(int program, int terminal) {
 
     setsid();
     ioctl(STDOUT_FILENO, TIOCSCTTY, 0);
-    const int nothing = open("/dev/null", O_RDONLY);
-    dup2(nothing, STDIN_FILENO);
-    close(nothing);
+    close(STDIN_FILENO);
+    open("/dev/null", O_RDONLY);  // gets the lowest free number, which is that of the input
     execve("/bin/sh", arguments, environment);
     Fail(errno == E2BIG ? kTooLong : kNoShell);
 }

@@ -16,8 +16,8 @@ enum class Order : char {
 };
 
 // What the supervisor tells, a pid_t each: the shell's end, or the number of a process that can't
-// be killed. At the shell's end it waits for an order: the shell may have been hung up because the
-// program has ended, and then nobody is to be let go.
+// be killed. After the shell's end it waits for an order: the shell may have ended because the
+// program did, and then the rest of the run has to be ended too.
 constexpr pid_t kShellEnded = 0;
 
 // Looks after the run of `shell`, a child of this process, and ends this process when the run is

@@ -30,6 +30,7 @@ Supervisor::~Supervisor() {
 }
 
 void Supervisor::Give(Order order) const {
+    if (!Started()) return;
     kill(mProcess, SIGCONT);  // the run may have stopped it
     const char byte = static_cast<char>(order);
     send(mSocket, &byte, 1, MSG_NOSIGNAL);  // in vain where the run has just ended
@@ -49,6 +50,7 @@ bool Supervisor::Hear() {
 }
 
 void Supervisor::End(std::chrono::milliseconds atMost) {
+    if (!Started()) return;
     using Clock = std::chrono::steady_clock;
     kill(mProcess, SIGCONT);
     shutdown(mSocket, SHUT_WR);

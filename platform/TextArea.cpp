@@ -182,8 +182,8 @@ struct TextArea::State : public QPlainTextEdit {
     }
 
     // Tells a screen reader what has come, wherever the focus is: of much text its last line, and
-    // no more than one line in a second. Of each insertion it is told by Qt, and may keep quiet
-    // about those outside the focus.
+    // no more than one line in a second. Qt reports each insertion too, but a screen reader may
+    // ignore those in a control without the focus.
     void Announce(const QString& text) {
         if (!kCanAnnounce || !QAccessible::isActive()) return;
         const QStringList lines = text.split(u'\n', Qt::SkipEmptyParts);

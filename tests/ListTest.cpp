@@ -163,7 +163,9 @@ class ListTest : public QObject {
         QCOMPARE(cell->tableCellInterface()->columnHeaderCells()[0]->text(QAccessible::Name),
                  "Address(-ca)");
         QVERIFY(!table->cellAt(1, 0)->editableTextInterface());
-        cell->editableTextInterface()->replaceText(0, 1, "0x2\n0");
+        QVERIFY(table->columnDescription(9).isEmpty() && !table->cellAt(0, -9));
+        cell->editableTextInterface()->replaceText(-9, 99, "0x2\n0");
+        cell->editableTextInterface()->deleteText(5, 2);
         QCOMPARE(cell->text(QAccessible::Name), "0x2 0");
         QVERIFY(job.Command().contains("-ca 0x2 0 -cf @/b.bin"));
         cell->setText(QAccessible::Value, "");
