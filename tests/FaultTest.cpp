@@ -47,8 +47,6 @@ class FaultTest : public QObject {
             if (i == 9) afterTen = Used();
         }
         const auto [files, pages] = Used();
-        qInfo("descriptors %td, then %td; pages %td, then %td", afterTen.first, files,
-              afterTen.second, pages);
         QVERIFY(files <= afterTen.first);  // Qt may close those of its idle threads
 #ifndef __SANITIZE_ADDRESS__               // which keeps what has been freed
         QVERIFY(pages - afterTen.second < 64);

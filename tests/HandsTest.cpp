@@ -109,7 +109,6 @@ class HandsTest : public QObject {
         row("Enter", Qt::KeypadModifier | Qt::Key_Enter, false);
         row("Space", Qt::Key_Space, false);
         row("Ctrl+Return", Qt::CTRL | Qt::Key_Return, false);
-        row("Ctrl+Return, marked as repeated", Qt::CTRL | Qt::Key_Return, true);
     }
     void HeldKeyStartsOneRun() {
         QFETCH(const QKeyCombination, keys);

@@ -112,18 +112,6 @@ class ListTest : public QObject {
         QCOMPARE(job.Column(1), (QStringList{"1", "2", "3"}));
     }
 
-    void OneRowByClicks() {
-        const Job job;
-        for (const auto held : {Qt::NoModifier, Qt::ShiftModifier, Qt::ControlModifier}) {
-            job.Click(2, 0, held);
-            job.Click(1, 0, held);
-            QCOMPARE(job.view->selectionModel()->selectedRows(), QList{job.Index(1, 0)});
-        }
-        QVERIFY(job.list.ListIndex() == 1 && job.window.DeletePB().Enabled());
-        job.Click(1, 0, Qt::ControlModifier);
-        QVERIFY(job.list.ListIndex() == -1 && !job.window.DeletePB().Enabled());
-    }
-
     void Colours() {
         const Job job;
         job.view->resize(334, 200);

@@ -19,12 +19,6 @@
 #include "platform/FolderItem.h"
 #include "platform/System.h"
 
-#if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
-// From 6.8 on the QTRY macros narrow a count of milliseconds, and g++ finds the fault in the line
-// that uses the macro. With older versions of Qt the tests are still held to this warning.
-#pragma GCC diagnostic ignored "-Wconversion"
-#endif
-
 // Shows both texts where they differ.
 template <>
 inline char* QTest::toString(const std::string& text) {

@@ -1,5 +1,4 @@
 // Texts, files and lines, below the window.
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <QProcess>
@@ -8,45 +7,9 @@
 #include "platform/Text.h"
 #include "platform/TextInputStream.h"
 
-namespace {
-
-QByteArray OutputOf(const QString& program, const QString& argument, const QString& folder) {
-    QProcess process;
-    process.setWorkingDirectory(folder);
-    process.start(program, {argument});
-    return process.waitForFinished() ? process.readAllStandardOutput() : "hangs";
-}
-
-}  // namespace
-
 class TextTest : public QObject {
     Q_OBJECT
   private slots:
-    void AShellSeesAPathAsOneWord_data() {
-        const auto row = Columns<QByteArray>("name");
-        row("no quotes needed", "plain_-.+,:@%=09");
-        row("blank and line ends", "two words\n\n");
-        row("single quotes", "o'neil'");
-        row("expansions", "\"q\" `id` $HOME ${x} $(id)");
-        row("hyphen in front", "-rf");
-        row("tilde", "~");
-        row("patterns and backslashes", "*?[a]{b,c}\\b\\");
-        row("operators and control characters", ";&|<>()#!^\t\r\x01");
-        row("no valid text", "\xFF\xFE\x80.bin");
-    }
-    void AShellSeesAPathAsOneWord() {
-        QFETCH(const QByteArray, name);
-        const PreparedFolder folder;
-        const FolderItemRef file = folder.Item("")->Child(name.toStdString());
-        close(open(file->NativePath().c_str(), O_CREAT | O_WRONLY, 0600));
-        // By a file, since a command line of Qt's holds valid text alone.
-        const QByteArray path = file->ShellPath().c_str();
-        folder.Write("command", "printf '<%s>' " + path + "; rm " + path);
-        QCOMPARE(OutputOf("sh", "command", folder.Path()),
-                 '<' + folder.Path().toUtf8() + '/' + name + '>');
-        QVERIFY(!file->Exists());
-    }
-
     void ANameFindsItsFile_data() {
         const auto row = Columns<QByteArrayList, QByteArray, QByteArray>("files", "name", "found");
         const QByteArray composed = "\u30AC\u00E9.bin", decomposed = "\u30AB\u3099e\u0301.bin";
@@ -86,7 +49,11 @@ class TextTest : public QObject {
         for (const QString& name : {QString("work/"), program, link}) folder.Write(name + "x", "");
         QVERIFY(QFile::copy(QApplication::applicationFilePath(), folder.Path(program)));
         QVERIFY(QFile::link(folder.Path(program), folder.Path(link)));
-        QCOMPARE(OutputOf(folder.Path(link), "--base-folder", folder.Path("work")),
+        QProcess copy;
+        copy.setWorkingDirectory(folder.Path("work"));
+        copy.start(folder.Path(link), {"--base-folder"});
+        QVERIFY(copy.waitForFinished());
+        QCOMPARE(copy.readAllStandardOutput(),
                  QFileInfo(folder.Path(base)).canonicalFilePath().toUtf8());
     }
 

@@ -66,11 +66,10 @@ class UploadTest : public QObject {
         const Job job;
         QFETCH(const bool, byKey);
         job.Press(Qt::Key_Delete);  // with no row selected
-        const QList<std::pair<Qt::Key, QStringList>> steps = {{Qt::Key_End, {"a.bin", "b.bin"}},
-                                                              {Qt::Key_Down, {"b.bin"}},
-                                                              {Qt::Key_Up, {""}},
-                                                              {Qt::Key_Home, {""}}};
-        for (const auto& [select, left] : steps) {
+        for (const auto& [select, left] : {std::pair(Qt::Key_End, QStringList{"a.bin", "b.bin"}),
+                                           {Qt::Key_Down, {"b.bin"}},
+                                           {Qt::Key_Up, {""}},
+                                           {Qt::Key_Home, {""}}}) {
             job.view->setFocus();
             job.Press(select);
             byKey ? job.Press(Qt::Key_Delete) : job.opened.Click("DeletePB");

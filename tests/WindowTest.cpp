@@ -168,7 +168,6 @@ class WindowTest : public QObject {
         row("two settings and a tool above", {above, top, "../esptool/esptool"}, false, above);
         row("a setting two levels above", {top}, false, top);
         row("a setting three levels above", {"../../../" + here}, false, "");
-        row("a folder in the setting's place", {here + "/x"}, false, "");
         row("a bin without a setting", {"bin/x", above}, false, "");
     }
     void StartUpSearch() {
@@ -187,7 +186,6 @@ class WindowTest : public QObject {
     void Program_data() {
         const auto row =
             Columns<QStringList, int, int, QByteArray>("steps", "height", "status", "output");
-        row("quit", {"Ctrl+Q"}, 768, 0, "");
         row("quit while an address is edited",
             {"Shift+Tab", "Shift+Tab", "Shift+Tab", "Down", "9", "Ctrl+Q"}, 768, 0, "");
         row("closed during a run", {"Ctrl+Return", "wait running", "close"}, 768, 0, "");
