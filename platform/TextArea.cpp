@@ -44,7 +44,14 @@ struct TextArea::State : public QPlainTextEdit {
         mOwnChange = true;
         const QString text = ToQt(mSet->text);
         ChooseWrapping(text);
-        setPlainText(text);
+        if (text.size() <= kLongestParagraph) {
+            setPlainText(text);
+        } else {
+            clear();
+            AppendParagraphs(*document(), text);
+            document()->clearUndoRedoStacks();
+            moveCursor(QTextCursor::Start);
+        }
         mOwnChange = false;
     }
 

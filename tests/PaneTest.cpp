@@ -43,6 +43,21 @@ class PaneTest : public QObject {
         QCOMPARE(QApplication::clipboard()->text().toStdString(), "Install ...." + printed);
     }
 
+    // A command of any length is shown, and edited, without line ends of the window's own.
+    void LongCommand() {
+        const OpenedWindow opened;
+        const std::string command = std::string(20'000, 'x') + "\nnext";
+        opened.window.InstallEF().Text(command);
+        auto* field = opened.Widget<QPlainTextEdit>("InstallEF");
+        field->setFocus();
+        Type("y");
+        QCOMPARE(opened.window.InstallEF().Text(), 'y' + command);
+        QVERIFY(field->document()->isUndoAvailable());
+        field->undo();
+        QVERIFY(!field->document()->isUndoAvailable());
+        QCOMPARE(opened.window.InstallEF().Text(), command);
+    }
+
     void OutputStaysInView() {
         const OpenedWindow opened;
         const QScrollBar* bar = opened.Widget<QPlainTextEdit>("rEF")->verticalScrollBar();
