@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "platform/Graphics.h"
+#include "platform/HeldKey.h"
 #include "platform/ListModel.h"
 #include "platform/ListView.h"
 #include "platform/TextEdit.h"
@@ -131,6 +132,8 @@ bool CellDelegate::eventFilter(QObject* object, QEvent* event) {
     switch (event->type()) {
         case QEvent::KeyPress: {
             const int key = static_cast<QKeyEvent*>(event)->key();
+            // A Return that is held since it opened the editor doesn't close it.
+            if ((key == Qt::Key_Return || key == Qt::Key_Enter) && KeyIsHeld()) return true;
             if (key != Qt::Key_Tab && key != Qt::Key_Backtab) break;
             Commit(editor);
             FocusNeighbour(mView, key == Qt::Key_Tab);
