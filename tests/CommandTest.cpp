@@ -20,7 +20,6 @@ class CommandTest : public QObject {
             return [=](OpenedWindow& o) { QTest::keyClicks(o.Widget<QWidget>(name), "y"); };
         };
         const QString image = "-ca 7 -cf @/i.bin", same = "-cd ck -cb 115200 -cp /dev/p " + image;
-        row("nothing", same, [](OpenedWindow& o) { o.window.MakeCommand(); });
         row("a scan", same, [](OpenedWindow& o) { o.Click("ScanBtn"); });
         row("a tool's path, typed", same, type("EspToolEF"));
         row("the upload field", same, [](OpenedWindow& o) { o.window.UploadEF().Text("x"); });

@@ -76,7 +76,6 @@ class ListTest : public QObject {
     void DoubleClick_data() {
         const auto row = Columns<int, int>("selectedRow", "column");
         row("an address of the selected row", 1, 1);
-        row("an address of another row", 0, 1);
         row("a file", 1, 0);
     }
     void DoubleClick() {
@@ -97,8 +96,8 @@ class ListTest : public QObject {
         row("Up from none", "Up", 2);
         row("the space bar, again and again", "Space, Space, Space", 0);
         row("the space bar on a row", "End, Space, Ctrl+Space", 2);
-        row("Home and End", "Down, Home, End", 2);
-        row("End and Home", "Up, End, Home", 0);
+        row("End", "Down, End", 2);
+        row("Home", "Up, Home", 0);
         row("Shift with others", "Home, Shift+Down, Shift+Down, Shift+Up", 1);
         row("Ctrl+A", "Down, Ctrl+A", 0);
         row("a letter from none", "C", -1);

@@ -40,7 +40,6 @@ class SerialTest : public QObject {
         using Devices = QList<size_t>;  // by number
         const auto row = Columns<Devices, Devices, int>("connected", "found", "selected");
         row("no port", {0}, {}, -1);
-        row("nothing remembered", {}, {1, 0}, 0);
         row("the last one", {1, 0}, {2, 0}, 1);
         row("an older one below the last", {1, 0}, {0, 1}, 1);
         row("one remembered twice", {0, 1, 0}, {2, 1, 0}, 2);

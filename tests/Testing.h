@@ -154,7 +154,6 @@ class OpenedWindow {
         const QWidget* focus = QApplication::focusWidget();
         return focus ? focus->objectName() : QString();
     }
-    // Past every control once at most.
     static void TabTo(const QString& name) {
         for (int stops = 22; stops > 0 && Focus() != name; --stops) {
             QCoreApplication::processEvents();  // an edit ends after its key

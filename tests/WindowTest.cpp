@@ -129,7 +129,6 @@ class WindowTest : public QObject {
 
     void EditMenu_data() {
         const auto row = Columns<QString>("control");
-        row("the reset text", "ResetEF");
         row("the command", "InstallEF");
         row("an address", "ulb");
     }
