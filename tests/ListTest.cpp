@@ -1,5 +1,6 @@
 // The list under the user's hands: typing, clicks, keys, colours, and what a screen reader does.
 #include <QAccessible>
+#include <QSignalSpy>
 
 #include "ImageJob.h"
 
@@ -13,7 +14,6 @@ class ListTest : public QObject {
         row("after 200 ms, on the selected row", true, 200);
         row("after 300 ms, on the selected row", true, 300);
         row("at once, on another row", false, 0);
-        row("after 300 ms, on another row", false, 300);
     }
     void TypingAfterAClick() {
         const Job job;
@@ -99,7 +99,6 @@ class ListTest : public QObject {
         row("End", "Down, End", 2);
         row("Home", "Up, Home", 0);
         row("Shift with others", "Home, Shift+Down, Shift+Down, Shift+Up", 1);
-        row("Ctrl+A", "Down, Ctrl+A", 0);
         row("a letter from none", "C", -1);
     }
     void SelectByKeys() {
@@ -151,7 +150,9 @@ class ListTest : public QObject {
                  "Address(-ca)");
         QVERIFY(!table->cellAt(1, 0)->editableTextInterface());
         QVERIFY(table->columnDescription(9).isEmpty() && !table->cellAt(0, -9));
+        const QSignalSpy painted(job.view->model(), &QAbstractItemModel::dataChanged);
         cell->editableTextInterface()->replaceText(-9, 99, "0x2\n0");
+        QCOMPARE(painted.size(), 1);
         cell->editableTextInterface()->deleteText(5, 2);
         QCOMPARE(cell->text(QAccessible::Name), "0x2 0");
         QVERIFY(job.Command().contains("-ca 0x2 0 -cf @/b.bin"));
