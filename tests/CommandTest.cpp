@@ -49,9 +49,11 @@ class CommandTest : public QObject {
         OpenedWindow opened;
         opened.window.SetInstallSetting(folder.Item("x.csv"));
         opened.window.InstallEF().Text("by hand");
+        QCoreApplication::processEvents();
         change(opened);
-        QCOMPARE(QString::fromStdString(opened.window.InstallEF().Text()),
-                 QString(command).replace("@", folder.Path()));
+        const QString expected = QString(command).replace("@", folder.Path());
+        QCOMPARE(QString::fromStdString(opened.window.InstallEF().Text()), expected);
+        QTRY_COMPARE(opened.Widget<QPlainTextEdit>("InstallEF")->toPlainText(), expected);
     }
 
     // Characters that a text control replaces or takes for line ends, and bytes that are no text.

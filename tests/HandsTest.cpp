@@ -104,7 +104,6 @@ class HandsTest : public QObject {
         const auto row = Columns<QKeyCombination, bool>("keys", "marked");  // or by the time alone
         row("Return, marked as repeated", Qt::Key_Return, true);
         row("Return", Qt::Key_Return, false);
-        row("Enter", Qt::KeypadModifier | Qt::Key_Enter, false);
         row("Space", Qt::Key_Space, false);
         row("Ctrl+Return", Qt::CTRL | Qt::Key_Return, false);
     }
