@@ -2,8 +2,8 @@
 //
 // Qt lays out a paragraph as a whole each time that it changes. Text without line ends goes on in a
 // new paragraph after kLongestParagraph characters, so that neither a tool that never ends its line
-// nor a command of megabytes can hold the window. Such a paragraph is marked, and no line end stands
-// for it in the text that is read or copied.
+// nor a command of megabytes can hold the window. Such a paragraph is marked, and no line end
+// stands for it in the text that is read or copied.
 #pragma once
 
 class QString;
