@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr qsizetype kShown = 2000;  // characters that are painted: more never fit
+constexpr qsizetype kShown = 2000;  // characters that are painted; more never fit
 
 // At least 4.5 to 1 against both colours of the rows and against a row that is selected while the
 // list has no focus.
