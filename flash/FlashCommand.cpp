@@ -22,6 +22,7 @@ void EspWin::MakeCommand() {
         addresses.push_back(std::move(address));
     }
 
+    // The blanks are part of the format: one after each option, none after the last image.
     std::string command = toolPath + " -vv ";
     const auto option = [&command](std::string_view letters, std::string_view value) {
         command.append(letters).append(" ").append(value).append(" ");

@@ -13,7 +13,7 @@ using namespace std::chrono_literals;
 
 constexpr auto kForceAfter = 2s;
 
-// The supervisor gives up one second after its first kill. This is longer, in case it hangs itself.
+// The supervisor gives up one second after its first kill. Wait longer: it may hang itself.
 constexpr auto kGiveUpAfter = 1500ms;
 
 // The supervisor kills after 300 ms.

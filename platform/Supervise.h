@@ -12,7 +12,7 @@
 enum class Order : char {
     Terminate = 'T',
     Kill = 'K',
-    LetGo = 'L',  // what the command, which has ended by itself, left in the background
+    LetGo = 'L',  // leave what the command left in the background; it has ended itself
 };
 
 // What the supervisor tells, a pid_t each: the shell's end, or the number of a process that can't

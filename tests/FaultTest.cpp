@@ -26,7 +26,7 @@ std::pair<std::ptrdiff_t, std::ptrdiff_t> Used() {
 class FaultTest : public QObject {
     Q_OBJECT
   private slots:
-    // First of all: what a larger heap has freed would take what is lost here.
+    // Runs first: in a heap that other tests have enlarged, a leak would not show.
     void ThousandTimes_data() {
         const auto row = Columns<bool>("runs");
         row("a connect and a disconnect", false);

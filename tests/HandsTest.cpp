@@ -131,7 +131,7 @@ class HandsTest : public QObject {
         send(QEvent::KeyRelease, 1600, false);
         QVERIFY(job.Output() != "hangs");
         QCOMPARE(job.Runs(), 1);
-        QCOMPARE(job.Focus(), "StartPB");  // it came back at the end
+        QCOMPARE(job.Focus(), "StartPB");  // the focus came back
     }
 
     void CtrlReturnPressesStart_data() {

@@ -11,8 +11,8 @@
 
 namespace {
 
-// Whatever a run starts has this in its environment, wherever it has gone since. The dead that wait
-// for their parents have no environment any more.
+// Whatever a run starts has this in its environment, wherever it has gone since. Zombies have
+// no environment and aren't counted.
 QByteArray Mark() { return "QUILLSTONE_RUN_OF_" + QByteArray::number(getpid()) + '_'; }
 
 QList<int> MarkedProcesses() {
@@ -46,19 +46,19 @@ int ProgramWithRun(const char* command, bool killed) {
 
 // Runs that end in different ways when they are asked to, and what they print until then.
 void AddRuns(const std::function<void(const char*, QByteArray, QString)>& add) {
-    add("plain", "echo x; exec sleep 999", "x\n");
-    add("a last word", "trap 'echo last; exit' TERM; echo x; sleep 999 & wait", "x\nlast\n");
+    add("ends on TERM", "echo x; exec sleep 999", "x\n");
+    add("prints at TERM", "trap 'echo last; exit' TERM; echo x; sleep 999 & wait", "x\nlast\n");
     add("ignores TERM", "trap '' TERM; echo x; while :; do sleep 999; done", "x\n");
     add("ignores TERM and HUP", "trap '' TERM HUP; sleep 999 & echo x; cat <&1; wait", "x\n");
     add("child in the background", "sleep 999 & echo x; cat <&1", "x\n");
     add("child in a session", "setsid sh -c 'trap \"\" TERM; echo x; sleep 999; :' & wait", "x\n");
     add("a daemon", "setsid sh -c 'trap \"\" TERM; sleep 999 &'; echo x; cat <&1", "x\n");
-    add("stopped", "trap 'echo last; exit' TERM; echo x; kill -STOP $$", "x\nlast\n");
+    add("stopped by STOP", "trap 'echo last; exit' TERM; echo x; kill -STOP $$", "x\nlast\n");
     add("stops its supervisor", "kill -STOP $PPID; echo x; exec sleep 999", "x\n");
     add("twenty generations",
         "f() { case $1 in 20) echo x; sleep 999;; esac; (f $(($1+1)); :); }; f 0", "x\n");
     // Sixty chains of processes, each of which starts the next in a session of its own and ends.
-    // Some hundred generations end them, whatever the test has found: nobody else might.
+    // Each ends by itself after 500 generations, in case the program fails to end it.
     add("forks without end",
         "export n=0 f='n=$((n+1)); [ $n -gt 500 ] || setsid sh -c \"$f\" &'; "
         "for i in $(seq 60); do sh -c \"$f\"; done; echo x; cat <&1",
@@ -67,7 +67,7 @@ void AddRuns(const std::function<void(const char*, QByteArray, QString)>& add) {
 
 }  // namespace
 
-class RunningTest : public QObject {
+class RunTest : public QObject {
     Q_OBJECT
   private slots:
     void initTestCase() { qputenv(Mark(), "1"); }
@@ -79,21 +79,22 @@ class RunningTest : public QObject {
         const auto row = Columns<QByteArray, QString>("command", "pattern");
         row("line ends", R"(printf 'a\r\nb\r'; sleep .1; printf '\nc')", "a\nb\nc");
         row("control characters", R"(printf 'a\0b\004\t\033c')", "a.b\4\t\33c");
-        row("no UTF-8", R"(printf '\377a\343'; sleep .1; printf 'b\343')", "\uFFFDa\uFFFDb\uFFFD");
+        row("not UTF-8", R"(printf '\377a\343'; sleep .1; printf 'b\343')", "\uFFFDa\uFFFDb\uFFFD");
         row("characters in pieces",
             R"(for b in 346 227 '245\346' 234 254; do printf \\$b; sleep .02; done)", "日本");
         row("output and error, killed", "for i in 1 2; do echo o$i; echo e$i >&2; done; kill -9 $$",
             "o1\ne1\no2\ne2\n");
-        row("empty", "", "");
+        row("an empty command", "", "");
         row("several lines", "echo a\n\necho b # c\n", "a\nb\n");
-        row("NUL", QByteArray("echo a\0b", 8), "sh: .*NUL.*\n");
-        row("200 KB", "echo '" + QByteArray(200'000, 'x') + "' | wc -c", "200001\n");
+        row("a NUL in the command", QByteArray("echo a\0b", 8), "sh: .*NUL.*\n");
+        row("200 KB long", "echo '" + QByteArray(200'000, 'x') + "' | wc -c", "200001\n");
         row("no tool", "-vv -cd ck", "sh: .*-vv: .*not found\n");
-        row("terminal", "cat; read line || echo $TERM; test -t 2 && echo own >/dev/tty",
-            "dumb\nown\n");
+        row("a terminal, and no input",
+            "cat; read line || echo $TERM; test -t 2 && echo own >/dev/tty", "dumb\nown\n");
         row("leaves a process", "(trap '' HUP; exec sleep 1000) & sleep .1; echo x", "x\n");
         row("leaves endless output", "(trap '' HUP; exec yes) & sleep .1", "[y\n]*");
-        row("no descriptors", "ls -l /proc/self/fd | grep -c -e socket -e /dev/ptmx", "0\n");
+        row("inherits no descriptors", "ls -l /proc/self/fd | grep -c -e socket -e /dev/ptmx",
+            "0\n");
     }
     void Output() {
         const auto [command, pattern] = Row<QByteArray, QString>("command", "pattern");
@@ -113,7 +114,7 @@ class RunningTest : public QObject {
         QCOMPARE(opened.Output(), QString(9000, '\n') + "end");
     }
 
-    // Whatever the program was started from.
+    // They are the default ones, also if the program was started with some ignored or blocked.
     void SignalsOfATool() {
         const OpenedWindow opened;
         for (const int ignored : {SIGPIPE, SIGINT, SIGHUP, SIGCHLD}) signal(ignored, SIG_IGN);
@@ -221,6 +222,6 @@ class RunningTest : public QObject {
 int main(int count, char** arguments) {
     if (count == 4 && std::string_view(arguments[1]) == "--program")
         return ProgramWithRun(arguments[2], std::string_view(arguments[3]) == "kill");
-    return RunTest<RunningTest>(count, arguments);
+    return TestMain<RunTest>(count, arguments);
 }
 #include "RunTest.moc"

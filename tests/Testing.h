@@ -30,14 +30,14 @@ inline bool Matches(const QString& text, const QString& pattern) {
     return QRegularExpression("(?s)\\A(?:" + pattern + ")\\z").match(text).hasMatch();
 }
 
-// Adds columns, and gives the function that adds a row of a value for each.
+// Adds columns. Returns the function that adds a row: its name, then one value for each column.
 template <class... Types, class... Names>
 auto Columns(Names... names) {
     (QTest::addColumn<Types>(names), ...);
     return [](const char* row, const Types&... values) { (QTest::newRow(row) << ... << values); };
 }
 
-// The values of this row in the columns of these names.
+// This row's values in these columns, whose types are those given to Columns.
 template <class... Types, class... Names>
 std::tuple<Types...> Row(Names... names) {
     return {*static_cast<Types*>(QTest::qData(names, qMetaTypeId<Types>()))...};
@@ -92,7 +92,7 @@ class PreparedFolder {
     QString mPath;
 };
 
-// Keys for whatever takes them by then.
+// The widget that gets the next key: in an open popup, else the one with the focus.
 inline QWidget* TakesKeys() {
     QWidget* popup = QApplication::activePopupWidget();
     if (!popup) return QApplication::focusWidget();
@@ -167,7 +167,7 @@ class OpenedWindow {
 };
 
 template <class Test>
-int RunTest(int count, char** arguments) {
+int TestMain(int count, char** arguments) {
     SetSupportsHiDPI(true);
     FileTypes1::Initialize();
     auto app = std::make_shared<App>();
@@ -186,4 +186,4 @@ int RunTest(int count, char** arguments) {
 }
 
 #define QUILLSTONE_TEST(Test) \
-    int main(int count, char** arguments) { return RunTest<Test>(count, arguments); }
+    int main(int count, char** arguments) { return TestMain<Test>(count, arguments); }

@@ -107,6 +107,6 @@ int main(int count, char** arguments) {
         std::fputs(GetFolderItem("", 0)->NativePath().c_str(), stdout);
         return 0;
     }
-    return RunTest<TextTest>(count, arguments);
+    return TestMain<TextTest>(count, arguments);
 }
 #include "TextTest.moc"

@@ -25,7 +25,7 @@ void EspWin::ulb_CellTextChange(Listbox&, std::int64_t, std::int64_t) { MakeComm
 void EspWin::ulb_DoubleClick(Listbox&) { SelectUploadFile(); }
 
 bool EspWin::ulb_CellBackgroundPaint(Listbox&, Graphics& g, std::int64_t row, std::int64_t) {
-    // Rows count from 0: the first row is even.
+    // Rows count from 0: the first row is even. The hint in CellDelegate.cpp is read on both.
     constexpr Color kEvenRow = 0xD2FFF3;
     constexpr Color kOddRow = 0xD2EDF5;
     g.ForeColor(row % 2 == 0 ? kEvenRow : kOddRow);
