@@ -11,8 +11,8 @@
 
 #include "bench/Child.h"
 #include "bench/Median.h"
-#include "platform/Application.h"
-#include "platform/Processes.h"
+#include "platform/application/Application.h"
+#include "platform/run/private/Processes.h"
 
 // A run of 200 processes that ignore what asks them to end; calls `running` when all are there.
 static void RunStubborn(const std::function<void(Shell&)>& running) {

@@ -9,17 +9,17 @@
 #include <string>
 #include <string_view>
 
-#include "platform/CheckBox.h"
-#include "platform/FolderItem.h"
-#include "platform/Graphics.h"
-#include "platform/Label.h"
-#include "platform/Listbox.h"
-#include "platform/PopupMenu.h"
-#include "platform/PushButton.h"
-#include "platform/Serial.h"
-#include "platform/Shell.h"
-#include "platform/TextEdit.h"
-#include "platform/Window.h"
+#include "platform/controls/CheckBox.h"
+#include "platform/controls/Label.h"
+#include "platform/controls/PopupMenu.h"
+#include "platform/controls/PushButton.h"
+#include "platform/controls/TextEdit.h"
+#include "platform/files/FolderItem.h"
+#include "platform/list/Graphics.h"
+#include "platform/list/Listbox.h"
+#include "platform/run/Shell.h"
+#include "platform/serial/Serial.h"
+#include "platform/window/Window.h"
 
 class EspWin : public Window {
   public:

@@ -1,5 +1,5 @@
 #include "flash/EspWin.h"
-#include "platform/Text.h"
+#include "platform/text/Text.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // The choice of the flash tool.
 #include "flash/EspWin.h"
-#include "platform/OpenDialog.h"
+#include "platform/files/OpenDialog.h"
 
 void EspWin::tooltypePM_Open(PopupMenu& sender) { sender.ListIndex(mEspToolUse); }
 

@@ -1,6 +1,6 @@
 // What the window does when it opens and when it closes.
 #include "flash/EspWin.h"
-#include "platform/Application.h"
+#include "platform/application/Application.h"
 
 namespace {
 

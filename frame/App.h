@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Application.h"
+#include "platform/application/Application.h"
 
 // The application object. All behaviour is the platform's.
 class App : public Application {};

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/FileType.h"
+#include "platform/files/FileType.h"
 
 // The types of file that the program knows.
 namespace FileTypes1 {

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "platform/Menu.h"
+#include "platform/window/Menu.h"
 
 class MainMenuBar : public MenuBar {
   public:

@@ -1,6 +1,6 @@
 #include "frame/Module1.h"
 
-#include "platform/System.h"
+#include "platform/application/System.h"
 
 namespace Module1 {
 

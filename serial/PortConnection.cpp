@@ -3,8 +3,8 @@
 
 #include "flash/EspWin.h"
 #include "frame/Module1.h"
-#include "platform/System.h"
-#include "platform/Text.h"
+#include "platform/application/System.h"
+#include "platform/text/Text.h"
 
 void EspWin::BaudPM_Open(PopupMenu& sender) {
     for (std::int64_t i = 0; i < sender.ListCount(); ++i) {

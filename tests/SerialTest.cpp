@@ -8,7 +8,7 @@
 
 #include "Device.h"
 #include "Testing.h"
-#include "platform/SerialRate.h"
+#include "platform/serial/private/SerialRate.h"
 
 namespace {
 

@@ -16,8 +16,8 @@
 #include "frame/App.h"
 #include "frame/FileTypes1.h"
 #include "frame/MainMenuBar.h"
-#include "platform/FolderItem.h"
-#include "platform/System.h"
+#include "platform/application/System.h"
+#include "platform/files/FolderItem.h"
 
 // Shows both texts where they differ.
 template <>

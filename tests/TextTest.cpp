@@ -4,8 +4,8 @@
 #include <QProcess>
 
 #include "Testing.h"
-#include "platform/Text.h"
-#include "platform/TextInputStream.h"
+#include "platform/files/TextInputStream.h"
+#include "platform/text/Text.h"
 
 class TextTest : public QObject {
     Q_OBJECT

@@ -3,8 +3,8 @@
 #include <optional>
 
 #include "flash/EspWin.h"
-#include "platform/Text.h"
-#include "platform/TextInputStream.h"
+#include "platform/files/TextInputStream.h"
+#include "platform/text/Text.h"
 
 // Whatever can't be used is skipped in silence. A file that can't be opened changes nothing; one
 // that can replaces the list.

@@ -1,8 +1,8 @@
 // The choice of an image or an install setting file.
 #include "flash/EspWin.h"
 #include "frame/FileTypes1.h"
-#include "platform/OpenDialog.h"
-#include "platform/Text.h"
+#include "platform/files/OpenDialog.h"
+#include "platform/text/Text.h"
 
 void EspWin::SelectPB_Action(PushButton&) { SelectUploadFile(); }
 

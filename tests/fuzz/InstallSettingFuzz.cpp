@@ -4,9 +4,9 @@
 #include <fstream>
 
 #include "Fuzzing.h"
-#include "platform/QtText.h"
-#include "platform/Text.h"
-#include "platform/TextInputStream.h"
+#include "platform/files/TextInputStream.h"
+#include "platform/qt/QtText.h"
+#include "platform/text/Text.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 #include <algorithm>
 
 #include "Fuzzing.h"
-#include "platform/Text.h"
+#include "platform/text/Text.h"
 
 namespace {
 

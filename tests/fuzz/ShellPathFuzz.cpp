@@ -4,7 +4,7 @@
 #include <sstream>
 
 #include "Fuzzing.h"
-#include "platform/FolderItem.h"
+#include "platform/files/FolderItem.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const QTemporaryDir folder("/dev/shm/quillstone-XXXXXX");

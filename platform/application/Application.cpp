@@ -1,0 +1,151 @@
+#include "platform/application/Application.h"
+
+#include <QApplication>
+#include <QDropEvent>
+#include <QLibraryInfo>
+#include <QLocale>
+#include <QMimeData>
+#include <QPalette>
+#include <QStyleHints>
+#include <QTranslator>
+#include <cstdio>
+#include <cstdlib>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "platform/application/private/Display.h"
+#include "platform/qt/HeldKey.h"
+
+namespace {
+
+// A file or a link on its way over a window. The text controls would take it as text.
+bool IsFileDrag(QEvent& event) {
+    const auto type = event.type();
+    return (type == QEvent::DragEnter || type == QEvent::DragMove || type == QEvent::Drop) &&
+           static_cast<QDropEvent&>(event).mimeData()->hasUrls();
+}
+
+class QtApplication : public QApplication {
+  public:
+    using QApplication::QApplication;
+
+    bool notify(QObject* receiver, QEvent* event) override {
+        WatchForHeldKey(*event);
+        if (IsFileDrag(*event)) {
+            event->ignore();  // nothing in the program takes a file that is dropped on it
+            return false;
+        }
+        try {
+            return QApplication::notify(receiver, event);
+        } catch (const std::exception& exception) {
+            UnhandledException(exception);
+            return false;
+        }
+    }
+};
+
+struct Program {
+    std::shared_ptr<Application> application;
+    std::unique_ptr<QApplication> qt;
+    std::vector<std::function<void()>> atEnd;
+    std::optional<int> exitCode;  // set by the first Quit, or to 1 by an exception
+};
+
+Program& TheProgram() {
+    static Program program;
+    return program;
+}
+
+// Black on white whatever the desktop's theme: the list's rows have pale colours of their own.
+QPalette LightPalette() {
+    QPalette palette(QColor(0xEF, 0xEF, 0xEF));
+    palette.setColor(QPalette::Base, Qt::white);
+    palette.setColor(QPalette::AlternateBase, QColor(0xF7, 0xF7, 0xF7));
+    palette.setColor(QPalette::WindowText, Qt::black);
+    palette.setColor(QPalette::Text, Qt::black);
+    palette.setColor(QPalette::ButtonText, Qt::black);
+    palette.setColor(QPalette::Highlight, QColor(0x2A, 0x6F, 0xB8));
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    palette.setColor(QPalette::Inactive, QPalette::Highlight, QColor(0xB8, 0xCC, 0xE0));
+    palette.setColor(QPalette::Inactive, QPalette::HighlightedText, Qt::black);
+    palette.setColor(QPalette::PlaceholderText, QColor(0x6E, 0x6E, 0x6E));
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, QColor(0x8C, 0x8C, 0x8C));
+    return palette;
+}
+
+// Qt's own texts, such as its file dialog's, appear in the user's language where Qt's translations
+// are installed.
+void SpeakTheUsersLanguage() {
+    // The translation of a language that is written from right to left would mirror the window.
+    QApplication::setLayoutDirection(Qt::LeftToRight);
+    auto* translator = new QTranslator(qApp);
+    if (translator->load(QLocale(), QStringLiteral("qtbase"), QStringLiteral("_"),
+                         QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QApplication::installTranslator(translator);
+}
+
+}  // namespace
+
+void RegisterApplication(std::shared_ptr<Application> application) {
+    TheProgram().application = std::move(application);
+}
+
+std::shared_ptr<MenuBar> ApplicationMenuBar() {
+    const auto& application = TheProgram().application;
+    return application ? application->MenuBar() : nullptr;
+}
+
+void SetSupportsHiDPI(bool supported) {
+    using Policy = Qt::HighDpiScaleFactorRoundingPolicy;
+    QGuiApplication::setHighDpiScaleFactorRoundingPolicy(supported ? Policy::PassThrough
+                                                                   : Policy::Floor);
+}
+
+void InitializeFramework(const std::function<void()>& ready) {
+    // Command line arguments change nothing, so Qt gets none to see.
+    static char name[] = "quillstone";
+    static char* arguments[] = {name, nullptr};
+    static int count = 1;
+    {
+        const DisplayWatch watch;
+        TheProgram().qt = std::make_unique<QtApplication>(count, arguments);
+    }
+    QApplication::setStyle("fusion");
+    QApplication::setPalette(LightPalette());
+    QApplication::setDesktopFileName("local.quillstone.Quillstone");
+    QApplication::setQuitOnLastWindowClosed(false);  // Window's Close says what happens
+    QGuiApplication::styleHints()->setTabFocusBehavior(Qt::TabFocusAllControls);
+    SpeakTheUsersLanguage();
+    ready();
+}
+
+void RunEventLoop() {
+    // When the display goes away, Qt calls exit from within itself. Our windows, which static
+    // objects hold, can't be destroyed then. What is registered last runs first: before them.
+    std::atexit([] {
+        if (TheProgram().qt) std::_Exit(1);
+    });
+    if (!TheProgram().exitCode) QApplication::exec();
+}
+
+void Quit(int exitCode) {
+    if (!TheProgram().exitCode) TheProgram().exitCode = exitCode;
+    QApplication::exit(exitCode);
+}
+
+void UnhandledException(const std::exception& exception) {
+    std::fprintf(stderr, "quillstone: unhandled exception: %s\n", exception.what());
+    TheProgram().exitCode = 1;  // also if Quit was called before
+    QApplication::exit(1);
+}
+
+void AtEnd(std::function<void()> release) { TheProgram().atEnd.push_back(std::move(release)); }
+
+int EndFramework() {
+    for (const auto& release : std::exchange(TheProgram().atEnd, {})) release();
+    TheProgram().application.reset();
+    TheProgram().qt.reset();
+    return TheProgram().exitCode.value_or(0);
+}

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "platform/controls/Control.h"
+
+// One line of fixed text at the right edge of its place, next to the control that it names.
+class Label : public RectControl {
+  public:
+    Label(Window& owner, std::string name);
+    void Text(std::string_view text);
+    // Makes this the label of the control for screen readers.
+    void Names(const RectControl& control);
+};

@@ -1,0 +1,90 @@
+#include "platform/controls/PopupMenu.h"
+
+#include <QAbstractItemView>
+#include <QComboBox>
+#include <QKeyEvent>
+#include <QSignalBlocker>
+#include <QWheelEvent>
+
+#include "platform/qt/Native.h"
+#include "platform/qt/QtText.h"
+
+namespace {
+
+bool IsCtrlReturn(const QKeyEvent& event) {
+    return event.modifiers().testFlag(Qt::ControlModifier) &&
+           (event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter);
+}
+
+class ComboBox : public QComboBox {
+  public:
+    using QComboBox::QComboBox;
+
+    void showPopup() override {
+        QComboBox::showPopup();
+        view()->installEventFilter(this);
+    }
+
+  protected:
+    // While closed it leaves the wheel alone: a turn over it on the way elsewhere changes nothing.
+    void wheelEvent(QWheelEvent* event) override { event->ignore(); }
+
+    // With Ctrl, Return takes the row as it does alone, and then goes on to where it is a shortcut.
+    bool eventFilter(QObject* object, QEvent* event) override {
+        if (event->type() != QEvent::ShortcutOverride ||
+            !IsCtrlReturn(static_cast<const QKeyEvent&>(*event)))
+            return QComboBox::eventFilter(object, event);
+        setCurrentIndex(view()->currentIndex().row());
+        hidePopup();
+        event->ignore();
+        return true;
+    }
+};
+
+QComboBox* Combo(const PopupMenu& popup) { return static_cast<QComboBox*>(popup.Native()); }
+
+}  // namespace
+
+PopupMenu::PopupMenu(Window& owner, std::string name)
+    : RectControl(std::move(name), new ComboBox(ContentOf(owner))) {
+    QComboBox* combo = Combo(*this);
+    combo->setFocusPolicy(Qt::StrongFocus);
+    combo->setMinimumSize(0, 0);
+    QObject::connect(combo, &QComboBox::currentIndexChanged, combo, [this] { Raise(Change); });
+}
+
+void PopupMenu::AddRow(std::string_view text) {
+    const QSignalBlocker quiet(Combo(*this));
+    const int selected = Combo(*this)->currentIndex();
+    Combo(*this)->addItem(ToQt(text));
+    Combo(*this)->setCurrentIndex(selected);  // Qt selects the first row by itself
+}
+
+void PopupMenu::DeleteAllRows() {
+    const bool selected = ListIndex() >= 0;
+    {
+        const QSignalBlocker quiet(Combo(*this));
+        Combo(*this)->clear();
+    }
+    if (selected) Raise(Change);
+}
+
+std::string PopupMenu::List(std::int64_t row) const {
+    return FromQt(Combo(*this)->itemText(static_cast<int>(row)));
+}
+
+std::int64_t PopupMenu::ListCount() const { return Combo(*this)->count(); }
+
+std::int64_t PopupMenu::ListIndex() const { return Combo(*this)->currentIndex(); }
+
+void PopupMenu::ListIndex(std::int64_t row) {
+    {
+        const QSignalBlocker quiet(Combo(*this));
+        Combo(*this)->setCurrentIndex(row >= 0 && row < ListCount() ? static_cast<int>(row) : -1);
+    }
+    Raise(Change);
+}
+
+std::string PopupMenu::Text() const { return FromQt(Combo(*this)->currentText()); }
+
+void PopupMenu::RaiseOpen() { Raise(Open); }

@@ -1,0 +1,120 @@
+#include "platform/files/FolderItem.h"
+
+#include <sys/stat.h>
+
+#include <QCoreApplication>
+#include <QStandardPaths>
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+
+#include "platform/files/FileType.h"
+#include "platform/qt/QtText.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+bool PlainInShell(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+           std::string_view("_./+,:@%=-").find(c) != std::string_view::npos;
+}
+
+// Asked of the system as bytes: a folder's name need not be valid text.
+std::string FindBaseFolder() {
+    std::error_code error;
+    fs::path program = fs::read_symlink("/proc/self/exe", error);
+    if (error) program = fs::canonical(FromQt(QCoreApplication::applicationFilePath()), error);
+    fs::path folder = program.parent_path();
+    const fs::path link = folder.parent_path().parent_path() / "bin" / program.filename();
+    if (folder.parent_path().filename() == "lib" && fs::equivalent(link, program, error))
+        return fs::current_path(error).string();
+#ifdef Q_OS_MACOS
+    // Quillstone.app/Contents/MacOS/quillstone
+    if (folder.filename() == "MacOS") folder = folder.parent_path().parent_path().parent_path();
+#endif
+    return folder.string();
+}
+
+std::string& ReplacedBaseFolder() {
+    static std::string path;
+    return path;
+}
+
+}  // namespace
+
+FolderItemRef FolderItem::Child(std::string_view name) const {
+    if (name.empty() || name == "." || name == ".." ||
+        name.find_first_of(std::string_view("/\0", 2)) != name.npos)
+        return nullptr;
+    const std::string folder = mPath.ends_with('/') ? mPath : mPath + '/';
+    auto child = std::make_shared<const FolderItem>(folder + std::string(name));
+    if (child->Exists()) return child;
+    const std::string similar = SimilarName(name);
+    return similar.empty() ? child : std::make_shared<const FolderItem>(folder + similar);
+}
+
+// Names that are no valid text are left out: different ones would look alike. So is a name that is
+// longer than any file's: Qt takes time by the square of the accents in a row.
+std::string FolderItem::SimilarName(std::string_view name) const {
+    constexpr std::size_t kLongestName = 1024;
+    if (name.size() > kLongestName || !IsUtf8(name)) return {};
+    if (!mNames) {
+        mNames.emplace();
+        std::error_code error;
+        for (fs::directory_iterator entry(mPath, error), end; !error && entry != end;
+             entry.increment(error)) {
+            std::string found = entry->path().filename().string();
+            if (IsUtf8(found)) mNames->emplace(CaseFolded(found), std::move(found));
+        }
+    }
+    const auto [first, last] = mNames->equal_range(CaseFolded(name));
+    const auto same = std::find_if(first, last, [composed = Composed(name)](const auto& entry) {
+        return Composed(entry.second) == composed;
+    });
+    if (same != last) return same->second;
+    return std::distance(first, last) == 1 ? first->second : std::string();
+}
+
+bool FolderItem::Exists() const {
+    struct stat unused = {};
+    return stat(mPath.c_str(), &unused) == 0;
+}
+
+std::string FolderItem::Name() const { return fs::path(mPath).filename().string(); }
+
+std::string FolderItem::ShellPath() const {
+    if (!mPath.empty() && std::all_of(mPath.begin(), mPath.end(), PlainInShell)) return mPath;
+    std::string word = "'";
+    for (const char c : mPath) {
+        if (c == '\'')
+            word += "'\\''";
+        else
+            word += c;
+    }
+    return word += '\'';
+}
+
+FolderItemRef FolderItem::Parent() const {
+    const fs::path path(mPath);
+    if (!path.has_relative_path()) return nullptr;
+    return std::make_shared<const FolderItem>(path.parent_path().string());
+}
+
+std::string FolderItem::Type() const { return FileType::NameFor(Name()); }
+
+FolderItemRef GetFolderItem(std::string_view path, int pathType) {
+    if (!path.empty() || pathType != 0) return nullptr;
+    // Taken once: the program's own path reads differently after its file has been deleted.
+    static const std::string found = FindBaseFolder();
+    const std::string& replaced = ReplacedBaseFolder();
+    auto folder = std::make_shared<const FolderItem>(replaced.empty() ? found : replaced);
+    return folder->Exists() ? folder : nullptr;
+}
+
+FolderItemRef SpecialFolder::Documents() {
+    return std::make_shared<const FolderItem>(
+        FromQt(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)));
+}
+
+void SetBaseFolder(std::string path) { ReplacedBaseFolder() = std::move(path); }

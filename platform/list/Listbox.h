@@ -1,0 +1,74 @@
+#pragma once
+
+#include <any>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "platform/controls/Control.h"
+#include "platform/list/Graphics.h"
+
+class ListModel;
+class QTableView;
+
+// A value of any type, or none.
+using Variant = std::any;
+
+// A table of texts with headings, of which one row at most is selected. Rows and columns count
+// from 0. Reading outside the table gives an empty value, writing there does nothing.
+//
+// A click selects. F2, Return or a click on the editable cell of the selected row edits that cell
+// in place, and typing replaces its text; leaving it in any way but by Escape commits.
+class Listbox : public RectControl {
+  public:
+    static constexpr int kEditable = 3;
+
+    // `headings` gives the number of columns. All columns but the first have a fixed width; the
+    // first takes the rest.
+    Listbox(Window& owner, std::string name, const std::vector<std::string>& headings,
+            int fixedWidth);
+    ~Listbox() override;
+
+    std::string Cell(std::int64_t row, std::int64_t column) const;
+    // Raises nothing.
+    void Cell(std::int64_t row, std::int64_t column, std::string_view text);
+    Variant CellTag(std::int64_t row, std::int64_t column) const;
+    void CellTag(std::int64_t row, std::int64_t column, Variant tag);
+    // 3 makes the cell editable by the user.
+    void CellType(std::int64_t row, std::int64_t column, int type);
+    // What an editable cell shows, palely, while it is empty and the row's first cell isn't. It is
+    // no part of the cell's text.
+    void CellHint(std::string_view hint);
+
+    // The selected row, -1 for none.
+    std::int64_t ListIndex() const;
+    std::int64_t ListCount() const;
+    std::int64_t LastIndex() const { return ListCount() - 1; }
+
+    // Appends a row with the given texts from column 0 on.
+    void AddRow(const std::vector<std::string>& texts);
+    // These two take the selection away, and raise Change if there was one.
+    void RemoveRow(std::int64_t row);
+    void DeleteAllRows();
+
+    void RaiseOpen() override;
+
+    std::function<void(Listbox&)> Open;
+    std::function<void(Listbox&)> Change;
+    // A double click anywhere in the list. An open edit has been committed.
+    std::function<void(Listbox&)> DoubleClick;
+    // The Delete key, with a row selected and no cell open.
+    std::function<void(Listbox&)> DeleteKey;
+    // The user has changed a cell's text.
+    std::function<void(Listbox&, std::int64_t row, std::int64_t column)> CellTextChange;
+    // Before a cell is painted. False leaves the rest of the painting to the control.
+    std::function<bool(Listbox&, Graphics&, std::int64_t row, std::int64_t column)>
+        CellBackgroundPaint;
+
+  private:
+    QTableView& View() const;
+    void ClearSelection();
+
+    std::unique_ptr<ListModel> mModel;
+    bool mClearing = false;  // Change waits until the rows are gone
+};

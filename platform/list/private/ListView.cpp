@@ -1,0 +1,197 @@
+#include "platform/list/private/ListView.h"
+
+#include <QCoreApplication>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QPersistentModelIndex>
+#include <QTableView>
+#include <utility>
+
+#include "platform/list/private/ListAccess.h"
+#include "platform/qt/HeldKey.h"
+
+namespace {
+
+class ListView : public QTableView {
+  public:
+    ListView(QWidget* parent, ListViewEvents events);
+
+    void FocusNeighbour(bool next) { focusNextPrevChild(next); }
+    // Switches off Qt's search for a row by typing.
+    void keyboardSearch(const QString&) override {}
+
+    const ListViewEvents Events;
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void inputMethodEvent(QInputMethodEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
+  private:
+    bool TakeKey(QKeyEvent& event);
+
+    // The cell that is edited when the button is let go over it.
+    QPersistentModelIndex mPressed;
+};
+
+QModelIndex EditableCell(const QTableView& view, int row) {
+    const QAbstractItemModel& model = *view.model();
+    for (int column = 0; column < model.columnCount(); ++column) {
+        const QModelIndex cell = model.index(row, column);
+        if (cell.flags().testFlag(Qt::ItemIsEditable)) return cell;
+    }
+    return {};
+}
+
+ListView::ListView(QWidget* parent, ListViewEvents events)
+    : QTableView(parent), Events(std::move(events)) {
+    InstallListAccess();
+    setFocusPolicy(Qt::StrongFocus);
+    setSelectionBehavior(SelectRows);
+    setSelectionMode(SingleSelection);
+    // The others are below. Qt's own for a click on the selected row waits for a double click, and
+    // loses the keys that come meanwhile.
+    setEditTriggers(AnyKeyPressed);
+    setTabKeyNavigation(false);
+    setShowGrid(false);
+    setWordWrap(false);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setCornerButtonEnabled(false);
+    verticalHeader()->hide();
+    verticalHeader()->setMinimumSectionSize(1);
+    horizontalHeader()->setHighlightSections(false);
+    horizontalHeader()->setSectionsClickable(false);
+    horizontalHeader()->setMinimumSectionSize(1);
+}
+
+// An open editor passes on the keys that it has no use for, the arrows up and down for example.
+void ListView::keyPressEvent(QKeyEvent* event) {
+    if (state() == EditingState || !TakeKey(*event)) QTableView::keyPressEvent(event);
+}
+
+// False leaves the key to Qt. Left to itself, Qt would start Up and Down from a current row that
+// isn't shown as selected, take Home and End to the ends of the row, and replace the text by a
+// space.
+bool ListView::TakeKey(QKeyEvent& event) {
+    const bool modified =
+        event.modifiers().testAnyFlags(Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier);
+    const int row = SelectedRow(*this);
+    switch (event.key()) {
+        case Qt::Key_Home:
+            SelectRow(*this, 0);
+            return true;
+        case Qt::Key_End:
+            SelectRow(*this, model()->rowCount() - 1);
+            return true;
+        case Qt::Key_Space:
+        case Qt::Key_Select:
+            if (row < 0) SelectRow(*this, 0);
+            return true;
+        case Qt::Key_Down:
+            if (row < 0) SelectRow(*this, 0);
+            return row < 0;
+        case Qt::Key_Up:
+            if (row < 0) SelectRow(*this, model()->rowCount() - 1);
+            return row < 0;
+        case Qt::Key_Delete:
+            if (row >= 0 && !modified && !KeyIsHeld() && Events.DeletePressed)
+                Events.DeletePressed();
+            return true;
+        case Qt::Key_F2:
+        case Qt::Key_Return:
+        case Qt::Key_Enter:
+            if (row < 0 || modified || KeyIsHeld()) return false;
+            EditRow(*this, row);
+            return true;
+        default:
+            break;
+    }
+    if (modified || event.text().isEmpty() || !event.text()[0].isPrint()) return false;
+    if (const QModelIndex cell = EditableCell(*this, row); cell.isValid()) {
+        setCurrentIndex(cell);
+        edit(cell, AnyKeyPressed, &event);
+    }
+    return true;
+}
+
+// When an input method commits text without composing it first, Qt would open the editor and drop
+// the text.
+void ListView::inputMethodEvent(QInputMethodEvent* event) {
+    const QString& text = event->commitString();
+    if (state() == EditingState || text.isEmpty()) {
+        if (SelectedRow(*this) >= 0) QTableView::inputMethodEvent(event);
+    } else if (!text.trimmed().isEmpty()) {
+        EditRow(*this, SelectedRow(*this));
+        if (QWidget* editor = indexWidget(currentIndex()))
+            QCoreApplication::sendEvent(editor, event);
+    }
+}
+
+void ListView::mousePressEvent(QMouseEvent* event) {
+    const QModelIndex cell = indexAt(event->position().toPoint());
+    const bool edits = event->button() == Qt::LeftButton && event->modifiers() == Qt::NoModifier &&
+                       selectionModel()->isSelected(cell) &&
+                       cell.flags().testFlag(Qt::ItemIsEditable);
+    mPressed = edits ? cell : QModelIndex();
+    QTableView::mousePressEvent(event);
+}
+
+void ListView::mouseReleaseEvent(QMouseEvent* event) {
+    QTableView::mouseReleaseEvent(event);
+    const QPersistentModelIndex pressed = std::exchange(mPressed, {});
+    if (pressed.isValid() && pressed == indexAt(event->position().toPoint())) edit(pressed);
+}
+
+void ListView::mouseDoubleClickEvent(QMouseEvent* event) {
+    QTableView::mouseDoubleClickEvent(event);
+    if (event->button() == Qt::LeftButton) RaiseDoubleClicked(*this);
+}
+
+void ListView::changeEvent(QEvent* event) {
+    QTableView::changeEvent(event);
+    if (event->type() == QEvent::FontChange)
+        verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 4);
+}
+
+}  // namespace
+
+QTableView* NewListView(QWidget* parent, ListViewEvents events) {
+    return new ListView(parent, std::move(events));
+}
+
+QTableView* AsListView(QObject* object) { return dynamic_cast<ListView*>(object); }
+
+void SetFixedWidth(QTableView& view, int width) {
+    QHeaderView& header = *view.horizontalHeader();
+    header.setSectionResizeMode(QHeaderView::Fixed);
+    header.setDefaultSectionSize(width);
+    header.setSectionResizeMode(0, QHeaderView::Stretch);
+}
+
+int SelectedRow(const QTableView& view) {
+    const auto rows = view.selectionModel()->selectedRows();
+    return rows.isEmpty() ? -1 : rows.front().row();
+}
+
+void SelectRow(QTableView& view, int row) {
+    if (row >= 0 && row < view.model()->rowCount()) view.selectRow(row);
+}
+
+void EditRow(QTableView& view, int row) {
+    const QModelIndex cell = EditableCell(view, row);
+    if (!cell.isValid()) return;
+    view.setCurrentIndex(cell);
+    view.edit(cell);
+}
+
+void FocusNeighbour(QTableView& view, bool next) {
+    static_cast<ListView&>(view).FocusNeighbour(next);
+}
+
+void RaiseDoubleClicked(QTableView& view) {
+    const auto& handler = static_cast<ListView&>(view).Events.DoubleClicked;
+    if (handler) handler();
+}

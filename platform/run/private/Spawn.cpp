@@ -1,0 +1,152 @@
+#include "platform/run/private/Spawn.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+#include <unistd.h>
+#ifdef __linux__
+#include <sys/prctl.h>
+#endif
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <string>
+#include <vector>
+
+#include "platform/run/private/Supervise.h"
+#include "platform/run/private/Terminal.h"
+
+extern char** environ;  // NOLINT(readability-redundant-declaration): some systems leave it to us
+
+namespace {
+
+// The system limits a single argument (to 128 KiB on Linux) far below all of them together.
+constexpr std::size_t kLongestArgument = 100'000;
+
+constexpr std::string_view kTooLong = "sh: the command line is too long\n";
+constexpr std::string_view kNoShell = "sh: can't be executed\n";
+constexpr std::string_view kNoProcess = "sh: no process can be started\n";
+
+std::vector<std::string> ShellArguments(std::string_view command) {
+    // "--", so that a command that begins with a hyphen isn't taken for an option.
+    if (command.size() <= kLongestArgument) return {"sh", "-c", "--", std::string(command)};
+    std::vector<std::string> arguments = {
+        "sh", "-c", R"(IFS=; command_line="$*"; unset IFS; shift $#; eval " $command_line")", "sh"};
+    for (; !command.empty(); command.remove_prefix(std::min(command.size(), kLongestArgument)))
+        arguments.emplace_back(command.substr(0, kLongestArgument));
+    return arguments;
+}
+
+// TERM=dumb asks for plain text: no colours, no cursor movements.
+std::vector<std::string> ShellEnvironment() {
+    std::vector<std::string> variables;
+    for (char** variable = environ; *variable != nullptr; ++variable)
+        if (!std::string_view(*variable).starts_with("TERM=")) variables.emplace_back(*variable);
+    variables.emplace_back("TERM=dumb");
+    return variables;
+}
+
+std::vector<char*> Pointers(std::vector<std::string>& strings) {
+    std::vector<char*> pointers;
+    pointers.reserve(strings.size() + 1);
+    for (std::string& string : strings) pointers.push_back(string.data());
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
+// The functions from here to the end of the namespace run in a forked child of a program that may
+// have threads, so they only make calls that are safe in a signal handler.
+
+[[noreturn]] void Fail(std::string_view reason) {
+    _exit(write(STDERR_FILENO, reason.data(), reason.size()) < 0 ? 127 : 126);
+}
+
+// The supervisor's descriptors are the socket as 0 and the terminal as 1 and 2, nothing else: a
+// port or a display that it kept would stay open for as long as the run lasts.
+void KeepOnly(int program, int terminal) {
+    program = fcntl(program, F_DUPFD, 3);
+    terminal = fcntl(terminal, F_DUPFD, 3);
+    dup2(program, STDIN_FILENO);
+    dup2(terminal, STDOUT_FILENO);
+    dup2(terminal, STDERR_FILENO);
+#ifdef __GLIBC__
+    closefrom(3);
+#else
+    for (int other = getdtablesize() - 1; other > 2; --other) close(other);
+#endif
+}
+
+[[noreturn]] void ExecuteShell([[maybe_unused]] pid_t supervisor, char* const* arguments,
+                               char* const* environment) {
+#ifdef __linux__
+    // If the supervisor is killed, the shell dies with it.
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (getppid() != supervisor) _exit(127);
+#endif
+    // The program may have been started with signals ignored or blocked.
+    for (int number = 1; number < NSIG; ++number) signal(number, SIG_DFL);
+    sigset_t none;
+    sigemptyset(&none);
+    sigprocmask(SIG_SETMASK, &none, nullptr);
+
+    setsid();
+    ioctl(STDOUT_FILENO, TIOCSCTTY, 0);
+    close(STDIN_FILENO);
+    open("/dev/null", O_RDONLY);  // gets the lowest free number, which is that of the input
+    execve("/bin/sh", arguments, environment);
+    Fail(errno == E2BIG ? kTooLong : kNoShell);
+}
+
+[[noreturn]] void BecomeSupervisor(int program, int terminal, char* const* arguments,
+                                   char* const* environment) {
+    setsid();  // out of reach of the keys and job control of the program's own terminal
+#ifdef __linux__
+    prctl(PR_SET_NAME, "quillstone-run");  // so that "killall quillstone" spares it
+    prctl(PR_SET_CHILD_SUBREAPER, 1);
+    prctl(PR_SET_PDEATHSIG, SIGCONT);  // wakes a stopped supervisor when the program ends
+#endif
+    KeepOnly(program, terminal);
+    const pid_t supervisor = getpid();
+    const pid_t shell = fork();
+    if (shell < 0) Fail(kNoProcess);
+    if (shell == 0) ExecuteShell(supervisor, arguments, environment);
+    Supervise(STDIN_FILENO, shell);
+}
+
+}  // namespace
+
+pid_t Spawn(std::string_view command, const Terminal& terminal, int& supervisor) {
+    auto arguments = ShellArguments(command);
+    auto environment = ShellEnvironment();
+    const auto argumentPointers = Pointers(arguments);
+    const auto environmentPointers = Pointers(environment);
+    std::array<int, 2> ends{};
+    if (socketpair(AF_UNIX, SOCK_STREAM, 0, ends.data()) != 0) return -1;
+    const auto [ours, theirs] = ends;
+    fcntl(ours, F_SETFD, FD_CLOEXEC);
+    fcntl(theirs, F_SETFD, FD_CLOEXEC);
+    fcntl(ours, F_SETFL, O_NONBLOCK);
+
+    // No handler of the program's may run in the child.
+    sigset_t before;
+    sigset_t all;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &before);
+    const pid_t child = fork();
+    if (child == 0) {
+        // Frees two descriptors for KeepOnly, in case the process is at its limit.
+        close(ours);
+        close(terminal.Master());
+        BecomeSupervisor(theirs, terminal.Slave(), argumentPointers.data(),
+                         environmentPointers.data());
+    }
+    const int reason = errno;
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    close(theirs);
+    if (child < 0) close(ours);
+    supervisor = child < 0 ? -1 : ours;
+    errno = reason;
+    return child;
+}

@@ -1,0 +1,143 @@
+#include "platform/window/private/NativeMenu.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QClipboard>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QPlainTextEdit>
+#include <QPointer>
+#include <string_view>
+#include <vector>
+
+#include "platform/application/Application.h"
+#include "platform/qt/QtText.h"
+#include "platform/window/Menu.h"
+
+namespace {
+
+// One editing command, for the one-line controls (cell editors among them) and the others.
+struct EditCommand {
+    std::string_view name;
+    void (*line)(QLineEdit&);
+    bool (*lineReady)(const QLineEdit&);
+    void (*area)(QPlainTextEdit&);
+    bool (*areaReady)(const QPlainTextEdit&);
+};
+
+// Not every system has a clipboard to ask.
+bool ClipboardHasText() {
+    const QMimeData* content = QApplication::clipboard()->mimeData();
+    return content != nullptr && content->hasText();
+}
+
+constexpr EditCommand kEditCommands[] = {
+    {"EditUndo", [](QLineEdit& e) { e.undo(); },
+     [](const QLineEdit& e) { return e.isUndoAvailable(); }, [](QPlainTextEdit& e) { e.undo(); },
+     [](const QPlainTextEdit& e) { return e.document()->isUndoAvailable(); }},
+    {"EditCut", [](QLineEdit& e) { e.cut(); },
+     [](const QLineEdit& e) { return e.hasSelectedText() && !e.isReadOnly(); },
+     [](QPlainTextEdit& e) { e.cut(); },
+     [](const QPlainTextEdit& e) { return e.textCursor().hasSelection() && !e.isReadOnly(); }},
+    {"EditCopy", [](QLineEdit& e) { e.copy(); },
+     [](const QLineEdit& e) { return e.hasSelectedText(); }, [](QPlainTextEdit& e) { e.copy(); },
+     [](const QPlainTextEdit& e) { return e.textCursor().hasSelection(); }},
+    {"EditPaste", [](QLineEdit& e) { e.paste(); },
+     [](const QLineEdit& e) { return !e.isReadOnly() && ClipboardHasText(); },
+     [](QPlainTextEdit& e) { e.paste(); },
+     [](const QPlainTextEdit& e) { return !e.isReadOnly() && ClipboardHasText(); }},
+    {"EditClear", [](QLineEdit& e) { e.del(); },
+     [](const QLineEdit& e) { return e.hasSelectedText() && !e.isReadOnly(); },
+     [](QPlainTextEdit& e) { e.textCursor().removeSelectedText(); },
+     [](const QPlainTextEdit& e) { return e.textCursor().hasSelection() && !e.isReadOnly(); }},
+    {"EditSelectAll", [](QLineEdit& e) { e.selectAll(); },
+     [](const QLineEdit& e) { return !e.text().isEmpty(); },
+     [](QPlainTextEdit& e) { e.selectAll(); },
+     [](const QPlainTextEdit& e) { return !e.document()->isEmpty(); }},
+};
+
+// Keeps the edit items in step with the text that has the focus. Child of the menu bar.
+class EditItems : public QObject {
+  public:
+    explicit EditItems(QMenuBar& bar) : QObject(&bar) {
+        connect(qApp, &QApplication::focusChanged, this,
+                [this](QWidget*, QWidget* now) { Follow(now); });
+        connect(QApplication::clipboard(), &QClipboard::dataChanged, this, &EditItems::Update);
+        Follow(QApplication::focusWidget());
+    }
+
+    void Add(QAction* action, const EditCommand& command) {
+        mItems.push_back({action, &command});
+        connect(action, &QAction::triggered, this, [this, &command] {
+            if (mLine)
+                command.line(*mLine);
+            else if (mArea)
+                command.area(*mArea);
+        });
+        Update();
+    }
+
+  private:
+    void Follow(QWidget* focus) {
+        if (qobject_cast<QMenuBar*>(focus)) return;  // it acts on what had the focus before
+        if (mFollowed) mFollowed->disconnect(this);
+        mFollowed = focus;
+        mLine = qobject_cast<QLineEdit*>(focus);
+        mArea = qobject_cast<QPlainTextEdit*>(focus);
+        if (mLine) {
+            connect(mLine, &QLineEdit::selectionChanged, this, &EditItems::Update);
+            connect(mLine, &QLineEdit::textChanged, this, &EditItems::Update);
+        } else if (mArea) {
+            connect(mArea, &QPlainTextEdit::selectionChanged, this, &EditItems::Update);
+            connect(mArea, &QPlainTextEdit::textChanged, this, &EditItems::Update);
+            connect(mArea, &QPlainTextEdit::undoAvailable, this, &EditItems::Update);
+        }
+        Update();
+    }
+
+    void Update() {
+        for (const auto& [action, command] : mItems)
+            action->setEnabled(mLine   ? command->lineReady(*mLine)
+                               : mArea ? command->areaReady(*mArea)
+                                       : false);
+    }
+
+    struct Item {
+        QAction* action;
+        const EditCommand* command;
+    };
+    std::vector<Item> mItems;
+    QPointer<QObject> mFollowed;  // only a QObject is left if its destruction moved the focus
+    QPointer<QLineEdit> mLine;
+    QPointer<QPlainTextEdit> mArea;
+};
+
+void AddItem(QMenu& menu, const MenuItem& item, EditItems& editItems) {
+    if (item.Text() == "-") {
+        menu.addSeparator()->setObjectName(ToQt(item.Name()));
+        return;
+    }
+    QAction* action = menu.addAction(ToQt(item.Text()));
+    action->setObjectName(ToQt(item.Name()));
+    action->setMenuRole(QAction::NoRole);  // on macOS the items stay in these menus
+    action->setShortcut(ToQtKeys(item.KeyboardShortcut()));
+    action->setVisible(item.Visible());
+    if (dynamic_cast<const QuitMenuItem*>(&item))
+        QObject::connect(action, &QAction::triggered, action, [] { Quit(0); });
+    if (item.AutoEnable())
+        for (const EditCommand& command : kEditCommands)
+            if (command.name == item.Name()) editItems.Add(action, command);
+}
+
+}  // namespace
+
+void BuildMenuBar(QMenuBar& native, const MenuBar& menus) {
+    auto* editItems = new EditItems(native);
+    for (const auto& menu : menus.Items()) {
+        QMenu* nativeMenu = native.addMenu(ToQt(menu->Text()));
+        nativeMenu->setObjectName(ToQt(menu->Name()));
+        for (const auto& item : menu->Items()) AddItem(*nativeMenu, *item, *editItems);
+    }
+}
