@@ -14,7 +14,8 @@
 #include <iostream>
 #include <map>
 
-#include "bench/Child.h"
+#include "bench/Endings.h"
+#include "bench/Measuring.h"
 #include "bench/Median.h"
 #include "frame/App.h"
 #include "frame/FileTypes1.h"

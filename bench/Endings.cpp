@@ -1,4 +1,5 @@
-// How a run ends, measured; called by Child.cpp.
+#include "bench/Endings.h"
+
 #include <signal.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
@@ -9,7 +10,6 @@
 #include <functional>
 #include <iostream>
 
-#include "bench/Child.h"
 #include "bench/Median.h"
 #include "platform/application/Application.h"
 #include "platform/run/private/Processes.h"
@@ -44,11 +44,6 @@ void StopBare(const Arguments&) {
         std::cout << watch->Milliseconds() << std::endl;
         Quit(0);
     });
-}
-
-QElapsedTimer& SinceClose() {
-    static QElapsedTimer clock;
-    return clock;
 }
 
 // Closes the window: main prints the time until the program has ended.

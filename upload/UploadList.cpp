@@ -12,11 +12,11 @@ void EspWin::SetUploadFileToList(const FolderItemRef& file, const std::string& a
     }
     list.Cell(row, 0, file->Name() + " (" + file->NativePath() + ")");
     list.CellTag(row, 0, file);
-    list.CellType(row, 1, Listbox::kEditable);
+    list.CellType(row, 1, kEditableCell);
     list.Cell(row, 1, address);
 }
 
-void EspWin::ulb_Open(Listbox& sender) { sender.CellType(0, 1, Listbox::kEditable); }
+void EspWin::ulb_Open(Listbox& sender) { sender.CellType(0, 1, kEditableCell); }
 
 void EspWin::ulb_Change(Listbox& sender) { DeletePB().Enabled(sender.ListIndex() >= 0); }
 

@@ -4,19 +4,9 @@
 #include <functional>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
-class SerialPort {
-  public:
-    explicit SerialPort(std::string name) : mName(std::move(name)) {}
-
-    // The device's path is System's DevicePrefix with this name after it.
-    const std::string& Name() const { return mName; }
-
-  private:
-    std::string mName;
-};
+#include "platform/serial/SerialPort.h"
 
 class SystemClass {
   public:

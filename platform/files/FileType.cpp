@@ -22,11 +22,6 @@ void FileType::Set(std::string& property, std::string_view value) {
     property = value;
 }
 
-void FileType::Imported(bool imported) {
-    Unregister();
-    mImported = imported;
-}
-
 void FileType::Register() {
     Unregister();
     Registered().push_back(this);

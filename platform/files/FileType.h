@@ -13,12 +13,12 @@ class FileType {
     // One extension, without its dot.
     const std::string& Extensions() const { return mExtensions; }
     void Extensions(std::string_view extensions) { Set(mExtensions, extensions); }
-    // The rest is kept for completeness: only name and extension decide.
-    void MacType(std::string_view type) { Set(mMacType, type); }
-    void MacCreator(std::string_view creator) { Set(mMacCreator, creator); }
-    void MimeType(std::string_view type) { Set(mMimeType, type); }
-    void ConformsTo(std::string_view types) { Set(mConformsTo, types); }
-    void Imported(bool imported);
+    // Nothing else of a type matters on the systems that we run on.
+    void MacType(std::string_view) { Unregister(); }
+    void MacCreator(std::string_view) { Unregister(); }
+    void MimeType(std::string_view) { Unregister(); }
+    void Imported(bool) { Unregister(); }
+    void ConformsTo(std::string_view) { Unregister(); }
 
     FileType();
     FileType(const FileType&) = delete;  // the registry holds addresses
@@ -39,8 +39,7 @@ class FileType {
     void Register();
     void Unregister();
 
-    std::string mName, mExtensions, mMacType, mMacCreator, mMimeType, mConformsTo;
-    bool mImported = false;
+    std::string mName, mExtensions;
 };
 
 // The filter of a dialog that offers all the types of a sum. Registers them.

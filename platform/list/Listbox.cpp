@@ -3,6 +3,7 @@
 #include <QTableView>
 
 #include "platform/list/private/CellDelegate.h"
+#include "platform/list/private/ListAccess.h"
 #include "platform/list/private/ListModel.h"
 #include "platform/list/private/ListView.h"
 #include "platform/qt/Native.h"
@@ -13,6 +14,7 @@ Listbox::Listbox(Window& owner, std::string name, const std::vector<std::string>
                   NewListView(ContentOf(owner), {.DoubleClicked = [this] { Raise(DoubleClick); },
                                                  .DeletePressed = [this] { Raise(DeleteKey); }})),
       mModel(std::make_unique<ListModel>(headings)) {
+    InstallListAccess();
     QTableView& view = View();
     view.setModel(mModel->Native());
     view.setItemDelegate(NewCellDelegate(view, [this](Graphics& graphics, int row, int column) {

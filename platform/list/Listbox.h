@@ -1,18 +1,15 @@
 #pragma once
 
-#include <any>
 #include <functional>
 #include <memory>
 #include <vector>
 
 #include "platform/controls/Control.h"
+#include "platform/list/Cell.h"
 #include "platform/list/Graphics.h"
 
 class ListModel;
 class QTableView;
-
-// A value of any type, or none.
-using Variant = std::any;
 
 // A table of texts with headings, of which one row at most is selected. Rows and columns count
 // from 0. Reading outside the table gives an empty value, writing there does nothing.
@@ -21,8 +18,6 @@ using Variant = std::any;
 // in place, and typing replaces its text; leaving it in any way but by Escape commits.
 class Listbox : public RectControl {
   public:
-    static constexpr int kEditable = 3;
-
     // `headings` gives the number of columns. All columns but the first have a fixed width; the
     // first takes the rest.
     Listbox(Window& owner, std::string name, const std::vector<std::string>& headings,
@@ -34,7 +29,7 @@ class Listbox : public RectControl {
     void Cell(std::int64_t row, std::int64_t column, std::string_view text);
     Variant CellTag(std::int64_t row, std::int64_t column) const;
     void CellTag(std::int64_t row, std::int64_t column, Variant tag);
-    // 3 makes the cell editable by the user.
+    // kEditableCell lets the user edit it.
     void CellType(std::int64_t row, std::int64_t column, int type);
     // What an editable cell shows, palely, while it is empty and the row's first cell isn't. It is
     // no part of the cell's text.

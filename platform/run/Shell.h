@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "platform/controls/Control.h"
-#include "platform/text/Text.h"
+#include "platform/text/OutputText.h"
 
 class Run;
 

@@ -27,9 +27,8 @@ class Serial::Port {
 
     // After false, the destructor closes what has been opened.
     bool Open(const Settings& settings) {
-        const std::string path = System().DevicePrefix + settings.name;
         // Without O_NONBLOCK it would wait for a carrier.
-        mDescriptor = open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+        mDescriptor = open(settings.devicePath.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
         // The kernel's exclusive mode doesn't bind a privileged process; serial programs agree on
         // the lock besides.
         if (mDescriptor < 0 || flock(mDescriptor, LOCK_EX | LOCK_NB) != 0) return false;
@@ -107,7 +106,7 @@ Serial::Serial(Window&, std::string name) : Control(std::move(name)) {}
 
 Serial::~Serial() = default;
 
-void Serial::SerialPort(const ::SerialPort& port) { mSettings.name = port.Name(); }
+void Serial::SerialPort(const ::SerialPort& port) { mSettings.devicePath = port.DevicePath(); }
 
 bool Serial::Open() {
     Close();

@@ -5,8 +5,8 @@
 #include <memory>
 #include <string>
 
-#include "platform/application/System.h"
 #include "platform/controls/Control.h"
+#include "platform/serial/SerialPort.h"
 #include "platform/text/Text.h"
 
 // One serial port, eight data bits, no parity, one stop bit. What is set holds from the next Open.
@@ -46,7 +46,7 @@ class Serial : public Control {
 
   private:
     struct Settings {
-        std::string name;
+        std::string devicePath;
         std::int64_t baud = 0;
         bool xon = false, cts = false, rts = false, dtr = false;
     };

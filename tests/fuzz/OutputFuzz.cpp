@@ -2,7 +2,7 @@
 #include <algorithm>
 
 #include "Fuzzing.h"
-#include "platform/text/Text.h"
+#include "platform/text/OutputText.h"
 
 namespace {
 

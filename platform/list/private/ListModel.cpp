@@ -45,7 +45,7 @@ class ListModel::Table : public QAbstractTableModel {
         const Cell& cell = At(index);
         if (role == Qt::DisplayRole || role == Qt::EditRole) return ToQt(cell.text);
         const bool showsHint = role == kHintRole && cell.text.empty() &&
-                               cell.type == Listbox::kEditable &&
+                               cell.type == kEditableCell &&
                                !At(index.siblingAtColumn(0)).text.empty();
         return showsHint ? ToQt(mModel.mHint) : QVariant();
     }
@@ -57,7 +57,7 @@ class ListModel::Table : public QAbstractTableModel {
 
     Qt::ItemFlags flags(const QModelIndex& index) const override {
         const auto flags = QAbstractTableModel::flags(index);
-        const bool editable = index.isValid() && At(index).type == Listbox::kEditable;
+        const bool editable = index.isValid() && At(index).type == kEditableCell;
         return editable ? flags | Qt::ItemIsEditable : flags;
     }
 

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/list/Listbox.h"
+#include "platform/list/Cell.h"
 
 class QAbstractItemModel;
 

@@ -7,7 +7,6 @@
 #include <QTableView>
 #include <utility>
 
-#include "platform/list/private/ListAccess.h"
 #include "platform/qt/HeldKey.h"
 
 namespace {
@@ -48,7 +47,6 @@ QModelIndex EditableCell(const QTableView& view, int row) {
 
 ListView::ListView(QWidget* parent, ListViewEvents events)
     : QTableView(parent), Events(std::move(events)) {
-    InstallListAccess();
     setFocusPolicy(Qt::StrongFocus);
     setSelectionBehavior(SelectRows);
     setSelectionMode(SingleSelection);

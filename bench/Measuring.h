@@ -38,13 +38,3 @@ class TurnWatch : public QObject {
     QElapsedTimer mTurn;
     double mLongest = 0;
 };
-
-// In Endings.cpp: how a run ends, and what looking for its processes costs.
-void Stop(const Arguments&);
-void StopBare(const Arguments&);
-void Close(const Arguments&);
-void CloseBare(const Arguments&);
-void Looks(const Arguments&);
-
-// Runs from the close of a window; invalid where none is measured.
-QElapsedTimer& SinceClose();

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+class SerialPort {
+  public:
+    SerialPort(std::string name, std::string_view prefix)
+        : mName(std::move(name)), mDevicePath(std::string(prefix) + mName) {}
+
+    const std::string& Name() const { return mName; }
+    // The prefix with the name after it.
+    const std::string& DevicePath() const { return mDevicePath; }
+
+  private:
+    std::string mName, mDevicePath;
+};
+
+// The prefix of all device paths on this system.
+std::string_view SerialPortPrefix();
+
+// The names of the machine's ports now, those on USB first.
+std::vector<std::string> MachinePortNames();
