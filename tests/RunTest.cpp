@@ -78,7 +78,7 @@ class RunTest : public QObject {
     void Output_data() {
         const auto row = Columns<QByteArray, QString>("command", "pattern");
         row("line ends", R"(printf 'a\r\nb\r'; sleep .1; printf '\nc')", "a\nb\nc");
-        row("control characters", R"(printf 'a\0b\004\t\033c')", "a.b\4\t\33c");
+        row("control characters", R"(printf 'a\0b\004\t\016c')", "a.b\4\t\16c");
         row("not UTF-8", R"(printf '\377a\343'; sleep .1; printf 'b\343')", "\uFFFDa\uFFFDb\uFFFD");
         row("characters in pieces",
             R"(for b in 346 227 '245\346' 234 254; do printf \\$b; sleep .02; done)", "日本");
@@ -104,6 +104,14 @@ class RunTest : public QObject {
         QVERIFY(!opened.window.StartPB().Enabled() && opened.window.SelectPB().Enabled());
         const QString output = opened.Output();
         QVERIFY2(Matches(output, pattern), qPrintable(output.left(999)));
+    }
+
+    void NoColor() {
+        const OpenedWindow opened;
+        qunsetenv("NO_COLOR");
+        QCOMPARE(opened.Run("printenv NO_COLOR"), "1\n");
+        qputenv("NO_COLOR", "");
+        QCOMPARE(opened.Run("printenv NO_COLOR"), "\n");
     }
 
     void OutputUnreadAtTheEnd() {

@@ -24,8 +24,8 @@ class Shell : public Control {
     // says when it can't be started arrives as output.
     void Execute(std::string_view command);
 
-    // The output that has come since the last call, of any bytes. While the command runs, a
-    // character or line end that is not complete waits for its rest.
+    // The text of the output that has come since the last call, of any bytes. While the command
+    // runs, a character, line end or control sequence that is not complete waits for its rest.
     std::string ReadAll();
 
     // Ends a running command with all its child processes: by SIGTERM, and after two seconds by

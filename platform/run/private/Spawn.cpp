@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -39,12 +40,14 @@ std::vector<std::string> ShellArguments(std::string_view command) {
     return arguments;
 }
 
-// TERM=dumb asks for plain text: no colours, no cursor movements.
+// TERM=dumb asks for plain text: no colours, no cursor movements. NO_COLOR is for tools that look
+// at it alone; the user may have set it, also to nothing.
 std::vector<std::string> ShellEnvironment() {
     std::vector<std::string> variables;
     for (char** variable = environ; *variable != nullptr; ++variable)
         if (!std::string_view(*variable).starts_with("TERM=")) variables.emplace_back(*variable);
     variables.emplace_back("TERM=dumb");
+    if (std::getenv("NO_COLOR") == nullptr) variables.emplace_back("NO_COLOR=1");
     return variables;
 }
 
