@@ -1,11 +1,12 @@
 // Plays the user of the program as it was built. Qt loads this plugin into the program when the
 // environment asks for it; QUILLSTONE_DRIVER holds the steps, separated by '|': keys, "wait FILE"
-// until it is there, "print content" or "print frame" for that height, "close" the window, "throw"
-// out of an event.
+// until it is there, "print content" or "print frame" for that height, "print output" for the text
+// of the run when it has ended, "close" the window, "throw" out of an event.
 #include <QApplication>
 #include <QFile>
 #include <QGenericPlugin>
 #include <QMainWindow>
+#include <QPlainTextEdit>
 #include <QTest>
 #include <QTimer>
 #include <stdexcept>
@@ -27,9 +28,13 @@ class Driver : public QGenericPlugin {
         auto* window = qobject_cast<QMainWindow*>(QApplication::activeWindow());
         if (!window || mSteps.isEmpty()) return;
         if (mSteps[0].startsWith("wait ") && !QFile::exists(mSteps[0].mid(5))) return;
+        const auto* start = window->findChild<QWidget*>("StartPB");
+        if (mSteps[0] == "print output" && !start->isEnabled()) return;
         const QString step = mSteps.takeFirst();
         if (step == "throw") throw std::runtime_error("planted");
         if (step == "print content") qInfo("%d", window->centralWidget()->height());
+        if (step == "print output")
+            qInfo("%s", qPrintable(window->findChild<QPlainTextEdit*>("rEF")->toPlainText()));
         if (step == "print frame") qInfo("%d", window->frameGeometry().height());
         if (step == "close") window->close();
         if (step == "close" || step.contains(' ')) return;
