@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <utility>
 
 namespace {
@@ -41,18 +42,17 @@ class Controls {
     std::size_t Next(std::size_t at) {
         std::size_t next = mBytes.size();
         for (Kind& kind : mKinds) {
-            if (kind.place == kNone || kind.place < at)
+            if (!kind.place || *kind.place < at)
                 kind.place = std::min(mBytes.find(kind.byte, at), mBytes.size());
-            next = std::min(next, kind.place);
+            next = std::min(next, *kind.place);
         }
         return next;
     }
 
   private:
-    static constexpr std::size_t kNone = std::string_view::npos;
     struct Kind {
         char byte;
-        std::size_t place = kNone;  // not searched for yet
+        std::optional<std::size_t> place = {};  // of the next one, once it has been searched for
     };
 
     std::string_view mBytes;
@@ -81,22 +81,21 @@ Control ReadCsi(std::string_view bytes) {
     while (at < bytes.size() && IsBetween(bytes[at], '0', '?')) ++at;
     while (at < bytes.size() && IsBetween(bytes[at], ' ', '/')) ++at;
     if (at == bytes.size()) return kIncomplete;
-    const char final = bytes[at];
-    if (!IsBetween(final, '@', '~')) return kNoControl;
-    // J and K delete: 2 and 3 what stands before the cursor too.
-    const bool deletes = (final == 'J' || final == 'K') && IsBetween(bytes[2], '2', '3');
-    const bool moves = std::string_view("ABCDEFGHdfu").find(final) != std::string_view::npos;
+    const char function = bytes[at];
+    if (!IsBetween(function, '@', '~')) return kNoControl;
+    // J and K delete: with 2 and 3 also what stands before the cursor.
+    const bool deletes = (function == 'J' || function == 'K') && IsBetween(bytes[2], '2', '3');
+    const bool moves = std::string_view("ABCDEFGHdfu").find(function) != std::string_view::npos;
     return {at + 1, deletes || moves ? Effect::Return : Effect::None};
 }
 
-// OSC and its like: up to BEL or ST. Any other control, or a line end, leaves it without an end.
+// OSC and its like: up to BEL or ST. A line end or another sequence leaves it without an end.
 Control ReadString(std::string_view bytes) {
-    const auto st = [](std::string_view rest) { return rest == "\x1B\\" || rest == "\xC2\x9C"; };
     for (std::size_t at = 2; at < bytes.size(); ++at) {
         const std::string_view two = bytes.substr(at, 2);
         if (two[0] == '\a') return {at + 1, Effect::None};
-        if (st(two)) return {at + 2, Effect::None};
-        if (two == "\x1B") break;
+        if (two == "\x1B\\" || two == "\xC2\x9C") return {at + 2, Effect::None};
+        if (two == "\x1B") break;  // its second byte may follow
         if (two[0] == '\r' || two[0] == '\n' || two[0] == kEscape || IsC1(two)) return kNoControl;
     }
     return kIncomplete;
