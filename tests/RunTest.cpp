@@ -108,10 +108,10 @@ class RunTest : public QObject {
 
     void NoColor() {
         const OpenedWindow opened;
-        qunsetenv("NO_COLOR");
-        QCOMPARE(opened.Run("printenv NO_COLOR"), "1\n");
         qputenv("NO_COLOR", "");
         QCOMPARE(opened.Run("printenv NO_COLOR"), "\n");
+        qunsetenv("NO_COLOR");
+        QCOMPARE(opened.Run("printenv NO_COLOR"), "1\n");
     }
 
     void OutputUnreadAtTheEnd() {

@@ -9,7 +9,7 @@ namespace {
 
 // The longest control sequence, so that one which never ends holds back no more than this. Links
 // and titles are shorter.
-constexpr std::size_t kLongest = 4096;
+constexpr std::size_t kLongest = 2048;
 
 constexpr char kEscape = '\x1B';
 constexpr char kC1Lead = '\xC2';  // C1 controls are U+0080 to U+009F

@@ -13,7 +13,7 @@
 //   out. Where one moves the cursor or deletes the line, text that follows begins a line, as after
 //   CR. So does text that follows several BS.
 // - What begins like a sequence but isn't one is shown as it came. At a line end every sequence
-//   ends, and so it does after 4096 bytes.
+//   ends, and so it does after 2048 bytes.
 class OutputText {
   public:
     // What can be shown now that these bytes have come: whole characters.
