@@ -3,7 +3,7 @@
 
 namespace {
 
-// The line that is scrolled to: beyond the end of all but very long output.
+// For ScrollPosition: a line that most outputs don't reach, so the end comes into view.
 constexpr std::int64_t kOutputEnd = 10000;
 
 void ShowOutput(Shell& shell, TextArea& pane) {

@@ -4,9 +4,11 @@
 
 namespace {
 
+// Nobody has chosen what the search finds, and Start runs it. So it passes over what somebody else
+// may have planted, say in /tmp.
 FolderItemRef ExistingChild(const FolderItemRef& folder, std::string_view name) {
     const FolderItemRef child = folder ? folder->Child(name) : nullptr;
-    return child && child->Exists() ? child : nullptr;
+    return child && child->Exists() && !child->MayBePlanted() ? child : nullptr;
 }
 
 // In the base folder, or one or two levels above it.
@@ -22,15 +24,16 @@ FolderItemRef FindBinFolder() {
 }  // namespace
 
 void EspWin::Event_Open() {
-    const FolderItemRef tool =
-        ExistingChild(ExistingChild(GetFolderItem("", 0), "esptool"), "esptool");
+    FolderItemRef tool = ExistingChild(ExistingChild(GetFolderItem("", 0), "esptool"), "esptool");
+    // A clone of the official tool has a folder there.
+    if (tool && tool->IsFolder()) tool = nullptr;
     EspToolEF().Text("");
     mEspToolApp = tool;
     if (tool) EspToolEF().Text(tool->NativePath());
 
     // The nearest folder named bin ends the search, even if the file isn't in it.
     if (const FolderItemRef bin = FindBinFolder())
-        SetInstallSetting(bin->Child("installsetting.csv"));
+        SetInstallSetting(ExistingChild(bin, "installsetting.csv"));
 }
 
 // A running tool and an open port end with the program.

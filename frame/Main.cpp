@@ -1,5 +1,4 @@
-// The entry point: the steps of the start, each of which runs only if the one before it raised
-// nothing.
+// The entry point: the steps of the start. An exception from one of them skips the rest.
 #include "flash/EspWin.h"
 #include "frame/App.h"
 #include "frame/FileTypes1.h"

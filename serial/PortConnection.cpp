@@ -19,7 +19,8 @@ void EspWin::BaudPM_Change(PopupMenu&) { MakeCommand(); }
 
 void EspWin::ConnectPB_Action(PushButton&) { DoConnect(""); }
 
-// `port` empty stands for the one that PortPM shows. An open port is closed, whatever `port` is.
+// Opens `port`, or the port that PortPM shows if `port` is empty. If a port is open, closes that
+// one instead, whatever `port` is.
 void EspWin::DoConnect(std::string port) {
     if (mConnected) {
         RbPortClose();

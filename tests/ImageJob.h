@@ -1,4 +1,4 @@
-// A window with images in its list, and the hands at it.
+// A window with images in its list, and what a user does with them.
 #pragma once
 
 #include <QLineEdit>
@@ -20,14 +20,14 @@ struct Job {
         folder.Write("x.csv", setting);
         window.SetInstallSetting(folder.Item("x.csv"));
     }
-    // Of the file's column the names; a free row has none.
+    // The texts of a column, without the paths in the file column.
     QStringList Column(int column) const {
         QStringList texts;
         for (int row = 0; row < list.ListCount(); ++row)
             texts += Index(row, column).data().toString().section(" (", 0, 0);
         return texts;
     }
-    // Of the command what follows -vv, @ for the folder.
+    // The command behind -vv, with the folder's path written as @.
     QString Command() const {
         const QString command = QString::fromStdString(window.InstallEF().Text());
         return command.section(" -vv ", 1).replace(folder.Path(), "@");
@@ -41,8 +41,8 @@ struct Job {
     QPoint InWindow(int row, int column) const {
         return view->viewport()->mapTo(opened.frame, Place(row, column).center());
     }
-    // Clicks and keys go to the window, as hands have it: what lies there or has the focus gets
-    // them.
+    // Clicks and keys go to the window, as real ones do. Qt passes them on to the widget at that
+    // place, or to the one with the focus.
     void Click(int row, int column, Qt::KeyboardModifiers held = {}) const {
         QTest::mouseClick(Desktop(), Qt::LeftButton, held, InWindow(row, column));
     }

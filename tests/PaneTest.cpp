@@ -3,8 +3,26 @@
 #include <QPlainTextEdit>
 #include <QScreen>
 #include <QScrollBar>
+#include <QTextBlock>
 
 #include "Testing.h"
+
+namespace {
+
+// How often widgets were asked to lay themselves out while it lives.
+class LayoutRequests : public QObject {
+  public:
+    LayoutRequests() { qApp->installEventFilter(this); }
+    int Count = 0;
+
+  protected:
+    bool eventFilter(QObject*, QEvent* event) override {
+        Count += event->type() == QEvent::LayoutRequest || event->type() == QEvent::Resize;
+        return false;
+    }
+};
+
+}  // namespace
 
 class PaneTest : public QObject {
     Q_OBJECT
@@ -55,6 +73,71 @@ class PaneTest : public QObject {
         field->undo();
         QCOMPARE(opened.window.InstallEF().Text(), command);
         QVERIFY(!field->document()->isUndoAvailable());
+        // Pasted text too, and a typed line end within it stays one.
+        const QString marks = QString(20'000, QChar(0x301)),
+                      pasted = "a" + marks + "\nb" + marks + "xy";
+        QApplication::clipboard()->setText(pasted);
+        const auto text = [&] { return QString::fromStdString(opened.window.InstallEF().Text()); };
+        Key(Qt::Key_A, Qt::ControlModifier);
+        Key(Qt::Key_V, Qt::ControlModifier);
+        QCOMPARE(text(), pasted);
+        QVERIFY(field->document()->lastBlock().length() < 10'000);
+        Key(Qt::Key_Left);
+        Key(Qt::Key_Return);
+        QCOMPARE(text(), pasted.chopped(1) + "\n" + pasted.back());
+        field->undo();
+        QCOMPARE(text(), pasted);
+        field->undo();
+        QCOMPARE(text(), QString::fromStdString(command));
+        field->redo();
+        QCOMPARE(text(), pasted);
+    }
+
+    // The newest of it, and at the top how much is gone.
+    void OutputWithoutEnd_data() {
+        const auto row =
+            Columns<QByteArray, int, int, int>("piece", "pieces", "lines", "characters");
+        row("short lines", "line\n", 1000, 160, 1'000'000);
+        row("few characters", "line\n", 1000, 1'000'000, 800);
+        row("no line end", QByteArray(10'000, 'x'), 30, 160, 100'000);
+        row("long lines", QByteArray(20'000, 'x') + "\n", 30, 1'000'000, 100'000);
+        row("empty lines", "\n", 1000, 100, 1'000'000);
+    }
+    void OutputWithoutEnd() {
+        const auto [piece, pieces, lines, characters] =
+            Row<QByteArray, int, int, int>("piece", "pieces", "lines", "characters");
+        const OpenedWindow opened;
+        TextArea& output = opened.window.rEF();
+        output.Keep(lines, characters);
+        QString printed = "Install ....";
+        for (int i = 0; i < pieces; ++i) {
+            output.AppendText(piece.toStdString());
+            printed += piece;
+        }
+        const QString shown = QString::fromStdString(output.Text());
+        const QStringList words = shown.section('\n', 0, 0).mid(1).split(' ');
+        QVERIFY2(shown.startsWith('[') && words.size() > 3, qPrintable(shown.left(99)));
+        const QString kept = shown.section('\n', 1);
+        QVERIFY(printed.endsWith(kept));
+        const QString gone = printed.chopped(kept.size());
+        QCOMPARE(words[0].toLongLong(), gone.count('\n'));
+        QCOMPARE(words[3].toLongLong(), gone.size() - gone.count('\n'));
+        QVERIFY(kept.count('\n') >= std::min(lines, 100) - 1 || kept.size() >= characters * 9 / 10);
+        QVERIFY(kept.count('\n') <= lines * 17 / 16 && kept.size() <= 2 * characters);
+    }
+
+    // Where a scroll bar leaves no room for the text that needs it, Qt would show and hide it for
+    // ever.
+    void AnyWidth() {
+        const OpenedWindow opened;
+        opened.window.EspToolEF().Text("/home/user/esptool/esptool");
+        opened.window.InstallEF().Text("word/1 word/2 word/3");
+        const LayoutRequests requests;
+        for (int width = 540; width >= 64; width -= 2) {
+            opened.frame->resize(width, 540);
+            for (int turn = 0; turn < 10; ++turn) QCoreApplication::processEvents();
+            QVERIFY2(requests.Count < 10'000, qPrintable(QString::number(width)));
+        }
     }
 
     void OutputStaysInView() {

@@ -2,6 +2,7 @@
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/ptrace.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 
 #include <QProcess>
@@ -177,6 +178,30 @@ class RunTest : public QObject {
         if (killed) QTRY_COMPARE(MarkedProcesses(), QList<int>());
         QCOMPARE(MarkedProcesses(), QList<int>());
         QCOMPARE(program.exitCode(), killed ? SIGKILL : 0);
+    }
+
+    // As by the memory killer, which prefers the tool. Nothing of the run goes on unseen.
+    void SupervisorIsKilled() {
+        rlimit core{};
+        getrlimit(RLIMIT_CORE, &core);
+        core.rlim_cur = core.rlim_max;
+        setrlimit(RLIMIT_CORE, &core);
+        const OpenedWindow opened;
+        opened.Start(
+            "cat /proc/self/oom_score_adj; echo $$ $PPID $(ulimit -Sc) $(ulimit -Hc); "
+            "setsid sh -c 'trap \"\" TERM HUP; sleep 999 & wait' & wait");
+        QTRY_COMPARE(MarkedProcesses().size(), 3);
+        const QStringList words = opened.Shown().simplified().split(' ');
+        QFile adjustment("/proc/" + words.value(2) + "/oom_score_adj");
+        QVERIFY(adjustment.open(QIODevice::ReadOnly));
+        QVERIFY(words[0].toInt() > adjustment.readAll().toInt());
+        QCOMPARE(words.value(3), words.value(4));  // the run's limit, not the program's
+        getrlimit(RLIMIT_CORE, &core);
+        QVERIFY(core.rlim_cur <= 1);
+        kill(words[2].toInt(), SIGKILL);
+        QVERIFY(opened.Output().endsWith("\nquillstone-run was killed, so the run was ended\n"));
+        QCOMPARE(MarkedProcesses(), QList<int>());
+        QVERIFY(waitpid(-1, nullptr, WNOHANG) < 0);  // none is left as a zombie
     }
 
     // Ctrl+. works wherever the focus is, an open cell or an open list included. Without another

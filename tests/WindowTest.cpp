@@ -1,4 +1,6 @@
 // The window: its controls and their places, the menus, the start and the end.
+#include <unistd.h>
+
 #include <QAbstractButton>
 #include <QAccessible>
 #include <QClipboard>
@@ -6,6 +8,7 @@
 #include <QMenuBar>
 #include <QProcess>
 #include <QTableView>
+#include <filesystem>
 
 #include "Testing.h"
 
@@ -168,13 +171,37 @@ class WindowTest : public QObject {
         row("a setting two levels above", {top}, false, top);
         row("a setting three levels above", {"../../../" + here}, false, "");
         row("a bin without a setting", {"bin/x", above}, false, "");
+        row("a folder in the tool's place", {"esptool/esptool/x", top}, false, top);
+        // Folders that everybody can write to: "!" with a stranger's entries, "=" with the user's.
+        row("planted here", {"esptool/esptool", here, above, "!."}, false, above);
+        row("planted above", {above, top, "!.."}, false, top);
+        row("planted in bin and esptool", {"esptool/esptool", here, "!bin", "!esptool"}, false, "");
+        row("one's own in such a folder", {"esptool/esptool", here, "=."}, true, here);
+        row("a stranger's release", {"esptool/esptool", here, "!../.."}, true, here);
     }
     void StartUpSearch() {
         const auto [files, findsTool, loads] =
             Row<QStringList, bool, QString>("files", "findsTool", "loads");
         const PreparedFolder folder("l3/l2/l1/base");
-        for (const QString& file : files) folder.Write(file, "cd," + file.toUtf8());
+        uid_t owner = geteuid();
+        std::optional<uid_t> user;
+        for (const QString& file : files) {
+            const bool planted = file.startsWith('!');
+            if (!planted && !file.startsWith('=')) {
+                folder.Write(file, "cd," + file.toUtf8());
+                continue;
+            }
+            // What root owns is nobody's plant.
+            if (owner == 0)
+                for (owner = 1; const auto& entry : std::filesystem::recursive_directory_iterator(
+                                    folder.Path("../../..").toStdString()))
+                    QCOMPARE(lchown(entry.path().c_str(), owner, 0), 0);
+            user = planted ? owner + 1 : owner;
+            chmod(folder.Path(file.mid(1)).toUtf8().constData(), 0777);
+        }
+        SetUser(user);
         const OpenedWindow opened;
+        SetUser({});
         QCOMPARE(QString::fromStdString(opened.window.InstallEF().Text()),
                  (findsTool ? folder.Path("esptool/esptool") : "") + " -vv -cd " +
                      (loads.isEmpty() ? "ck" : loads) + " -cb 115200 ");

@@ -19,7 +19,8 @@
 
 namespace {
 
-// A file or a link on its way over a window. The text controls would take it as text.
+// A drag of files or links over a window, or their drop. The text controls would insert the paths
+// as text.
 bool IsFileDrag(QEvent& event) {
     const auto type = event.type();
     return (type == QEvent::DragEnter || type == QEvent::DragMove || type == QEvent::Drop) &&
@@ -104,7 +105,7 @@ void SetSupportsHiDPI(bool supported) {
 }
 
 void InitializeFramework(const std::function<void()>& ready) {
-    // Command line arguments change nothing, so Qt gets none to see.
+    // The program takes no command line arguments, so Qt gets none of the real ones.
     static char name[] = "quillstone";
     static char* arguments[] = {name, nullptr};
     static int count = 1;
@@ -122,8 +123,9 @@ void InitializeFramework(const std::function<void()>& ready) {
 }
 
 void RunEventLoop() {
-    // When the display goes away, Qt calls exit from within itself. Our windows, which static
-    // objects hold, can't be destroyed then. What is registered last runs first: before them.
+    // When the display goes away, Qt calls exit from within itself. Our windows are held by static
+    // objects and can't be destroyed then. Of all exit handlers the last one registered runs
+    // first, so this one ends the process before those objects are destroyed.
     std::atexit([] {
         if (TheProgram().qt) std::_Exit(1);
     });

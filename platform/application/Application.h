@@ -34,7 +34,8 @@ void InitializeFramework(const std::function<void()>& ready);
 // Runs until Quit.
 void RunEventLoop();
 
-// Ends the event loop, also one that is yet to run, and the program with that code.
+// Ends the event loop, and the program with that exit code. Before RunEventLoop: that call then
+// returns at once.
 void Quit(int exitCode);
 
 // For an exception that nothing caught: writes a line to standard error and quits with 1.

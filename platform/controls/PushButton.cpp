@@ -10,9 +10,9 @@
 
 namespace {
 
-// Takes over what the user has in hand: half-finished input of an input method, and the text in an
-// editor inside a control of `content`. The mouse and the keys of the button itself do so by moving
-// the focus.
+// Commits what the user is still editing: the composition of an input method, and the text in an
+// editor inside a control of `content`. A press by mouse or by a key on the button itself has done
+// so already, by moving the focus.
 void CommitOpenEdit(const QWidget* content) {
     QGuiApplication::inputMethod()->commit();
     QWidget* control = QApplication::focusWidget();

@@ -1,6 +1,3 @@
-#include <QAccessible>
-#include <QBasicTimer>
-#include <QElapsedTimer>
 #include <QMimeData>
 #include <QPainter>
 #include <QPlainTextEdit>
@@ -11,6 +8,10 @@
 #include <optional>
 
 #include "platform/controls/TextEdit.h"
+#include "platform/controls/private/Announcer.h"
+#include "platform/controls/private/BusyStrip.h"
+#include "platform/controls/private/LineLayout.h"
+#include "platform/controls/private/NewestOutput.h"
 #include "platform/controls/private/Paragraphs.h"
 #include "platform/qt/Native.h"
 #include "platform/qt/QtText.h"
@@ -21,10 +22,11 @@ struct TextArea::State : public QPlainTextEdit {
     State(TextArea& area, QWidget* parent) : QPlainTextEdit(parent), mArea(area) {
         setFrameStyle(QFrame::Box | QFrame::Plain);
         setLineWidth(2);  // room for the focus ring
-        setViewportMargins(0, kStripHeight - lineWidth(), 0, 0);
+        setViewportMargins(0, BusyStrip::kHeight - lineWidth(), 0, 0);
         document()->setDocumentMargin(3);
         setTabChangesFocus(true);
         setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        document()->setDocumentLayout(mLines);
         connect(this, &QPlainTextEdit::textChanged, this, [this] {
             if (mOwnChange) return;
             mSet.reset();
@@ -42,8 +44,9 @@ struct TextArea::State : public QPlainTextEdit {
         if (!mSet || mSet->shown) return;
         mSet->shown = true;
         mOwnChange = true;
+        mNewest.Restart();
         const QString text = ToQt(mSet->text);
-        ChooseWrapping(text);
+        setWordWrapMode(WrappingOf(text));
         if (text.size() <= kLongestParagraph) {
             setPlainText(text);
         } else {
@@ -65,8 +68,9 @@ struct TextArea::State : public QPlainTextEdit {
         mSet.reset();
         mOwnChange = true;
         AppendParagraphs(*document(), text);
+        mNewest.Keep(*document());
         mOwnChange = false;
-        Announce(text);
+        mAnnouncer.Announce(text);
     }
 
     void ScrollTo(int line) {
@@ -74,17 +78,8 @@ struct TextArea::State : public QPlainTextEdit {
         verticalScrollBar()->setValue(line);
     }
 
-    void Busy(bool busy) {
-        if (busy) {
-            mBusySince.start();
-            mStripTimer.start(50, this);
-        } else {
-            mBusySince.invalidate();
-            mStripTimer.stop();
-        }
-        update();
-    }
-    bool IsBusy() const { return mBusySince.isValid(); }
+    BusyStrip mBusy{*this};
+    NewestOutput mNewest;
 
   protected:
     // What is copied or dragged out, without the line ends that stand only in the document.
@@ -95,16 +90,31 @@ struct TextArea::State : public QPlainTextEdit {
             TextBetween(*document(), selection.selectionStart(), selection.selectionEnd()));
         return copied;
     }
+    // What is pasted or dropped is laid out as a text that was set.
     void insertFromMimeData(const QMimeData* source) override {
-        ChooseWrapping(document()->toRawText() + source->text());
-        QPlainTextEdit::insertFromMimeData(source);
+        if (isReadOnly() || !source->hasText()) return;
+        const QString text = source->text();
+        setWordWrapMode(WrappingOf(document()->toRawText() + text));
+        InsertParagraphs(textCursor(), text);
+        ensureCursorVisible();
+    }
+
+    // A line end that is typed begins a line, also within a very long one.
+    void keyPressEvent(QKeyEvent* event) override {
+        const int paragraphs = document()->blockCount();
+        QPlainTextEdit::keyPressEvent(event);
+        const int added = document()->blockCount() - paragraphs;
+        if (added == 1 && textCursor().atBlockStart()) BeginLine(textCursor());
     }
 
     // A pane that showed its end still shows it.
     void resizeEvent(QResizeEvent* event) override {
         const QScrollBar& bar = *verticalScrollBar();
         const bool atEnd = bar.value() == bar.maximum() && (bar.maximum() > 0 || isReadOnly());
-        QPlainTextEdit::resizeEvent(event);
+        mLines->Width(viewport()->width());
+        // For another width the base class would have the layout of every paragraph allocated.
+        QResizeEvent sameWidth(event->size(), {event->size().width(), event->oldSize().height()});
+        QPlainTextEdit::resizeEvent(&sameWidth);
         if (atEnd) verticalScrollBar()->setValue(bar.maximum());
     }
 
@@ -129,19 +139,8 @@ struct TextArea::State : public QPlainTextEdit {
         ShowBeforeInput(*event);
         return QPlainTextEdit::viewportEvent(event);
     }
-    void timerEvent(QTimerEvent* event) override {
-        if (event->timerId() == mStripTimer.timerId())
-            update(0, 0, width(), kStripHeight);
-        else if (event->timerId() == mAnnounceTimer.timerId())
-            AnnounceNow();
-        else
-            QPlainTextEdit::timerEvent(event);
-    }
 
   private:
-    static constexpr int kStripHeight = 3;
-    static constexpr bool kCanAnnounce = QT_VERSION >= QT_VERSION_CHECK(6, 8, 0);
-
     // The same frame as a one-line field's, with its focus ring.
     void PaintFrame() {
         QPainter painter(this);
@@ -150,27 +149,7 @@ struct TextArea::State : public QPlainTextEdit {
         option.lineWidth = 1;
         option.state |= QStyle::State_Sunken;
         style()->drawPrimitive(QStyle::PE_PanelLineEdit, &option, &painter, this);
-        if (!IsBusy()) return;
-        constexpr qint64 kRound = 2000;  // milliseconds
-        const int bar = width() / 4;
-        const auto left = static_cast<int>(mBusySince.elapsed() % kRound * width() / kRound);
-        painter.fillRect(0, 0, width(), kStripHeight, palette().color(QPalette::Midlight));
-        for (const int from : {left, left - width()})  // the part that leaves comes in again
-            painter.fillRect(from, 0, bar, kStripHeight,
-                             palette().color(QPalette::Active, QPalette::Highlight));
-    }
-
-    // Between words where it can be: to look for a place in a very long word takes Qt time by the
-    // square of its length.
-    void ChooseWrapping(const QString& text) {
-        qsizetype longest = 0;
-        qsizetype length = 0;
-        for (const QChar c : text) {
-            length = c.isSpace() ? 0 : length + 1;
-            longest = std::max(longest, length);
-        }
-        setWordWrapMode(longest > kLongestParagraph ? QTextOption::WrapAnywhere
-                                                    : QTextOption::WrapAtWordBoundaryOrAnywhere);
+        mBusy.Paint(painter);
     }
 
     void ShowBeforeInput(const QEvent& event) {
@@ -188,25 +167,6 @@ struct TextArea::State : public QPlainTextEdit {
         }
     }
 
-    // Tells a screen reader what has come, wherever the focus is: of much text its last line, and
-    // no more than one line in a second. Qt reports each insertion too, but a screen reader may
-    // ignore those in a control without the focus.
-    void Announce(const QString& text) {
-        if (!kCanAnnounce || !QAccessible::isActive()) return;
-        const QStringList lines = text.split(u'\n', Qt::SkipEmptyParts);
-        if (lines.isEmpty()) return;
-        mToAnnounce = lines.constLast().right(200);
-        if (!mAnnounceTimer.isActive()) mAnnounceTimer.start(1000, this);
-    }
-
-    void AnnounceNow() {
-        mAnnounceTimer.stop();
-#if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
-        QAccessibleAnnouncementEvent event(this, mToAnnounce);
-        QAccessible::updateAccessibility(&event);
-#endif
-    }
-
     // A text that was set, kept as it was until the user edits it or text is appended.
     struct SetText {
         std::string text;
@@ -216,9 +176,8 @@ struct TextArea::State : public QPlainTextEdit {
     TextArea& mArea;
     std::optional<SetText> mSet = SetText{{}, true};
     bool mOwnChange = false;
-    QElapsedTimer mBusySince;  // valid while busy
-    QBasicTimer mStripTimer, mAnnounceTimer;
-    QString mToAnnounce;
+    LineLayout* const mLines = new LineLayout(document());  // owned by the document
+    Announcer mAnnouncer{*this};
 };
 
 TextArea::TextArea(Window& owner, std::string name)
@@ -243,6 +202,11 @@ void TextArea::ReadOnly(bool readOnly) {
     mState->setUndoRedoEnabled(!readOnly);
 }
 
+void TextArea::Keep(int lines, int characters) {
+    mState->mNewest.MostParagraphs = lines;
+    mState->mNewest.MostCharacters = characters;
+}
+
 void TextArea::AppendText(std::string_view text) {
     if (!text.empty()) mState->Append(ToQt(text));
     Raise(TextChange);
@@ -253,6 +217,6 @@ void TextArea::ScrollPosition(std::int64_t line) {
         static_cast<int>(std::clamp<std::int64_t>(line, 0, std::numeric_limits<int>::max())));
 }
 
-bool TextArea::Busy() const { return mState->IsBusy(); }
+bool TextArea::Busy() const { return mState->mBusy.IsBusy(); }
 
-void TextArea::Busy(bool busy) { mState->Busy(busy); }
+void TextArea::Busy(bool busy) { mState->mBusy.Busy(busy); }

@@ -30,7 +30,11 @@ class TextArea : public TextEdit {
     void ReadOnly(bool readOnly);
 
     // Adds text at the end, with no separator. `text` holds whole characters, with LF as line end.
+    // Of very much text the oldest is dropped, and a line at the top says how much that is.
     void AppendText(std::string_view text);
+    // How much AppendText keeps at least. Unless a test sets it: a million lines of together 50
+    // million UTF-16 units, which takes less than 500 MB.
+    void Keep(int lines, int characters);
 
     // Brings the line to the top of the view, or the end into view where there is no such line.
     void ScrollPosition(std::int64_t line);

@@ -1,6 +1,7 @@
 #include "platform/files/FolderItem.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <QCoreApplication>
 #include <QStandardPaths>
@@ -39,6 +40,11 @@ std::string FindBaseFolder() {
 std::string& ReplacedBaseFolder() {
     static std::string path;
     return path;
+}
+
+std::optional<std::uint32_t>& ReplacedUser() {
+    static std::optional<std::uint32_t> user;
+    return user;
 }
 
 }  // namespace
@@ -81,6 +87,20 @@ bool FolderItem::Exists() const {
     return stat(mPath.c_str(), &unused) == 0;
 }
 
+bool FolderItem::IsFolder() const {
+    struct stat found = {};
+    return stat(mPath.c_str(), &found) == 0 && S_ISDIR(found.st_mode);
+}
+
+bool FolderItem::MayBePlanted() const {
+    struct stat entry = {};
+    struct stat folder = {};
+    const auto parent = Parent();
+    return parent && lstat(mPath.c_str(), &entry) == 0 &&
+           stat(parent->mPath.c_str(), &folder) == 0 && (folder.st_mode & S_IWOTH) != 0 &&
+           entry.st_uid != 0 && entry.st_uid != ReplacedUser().value_or(geteuid());
+}
+
 std::string FolderItem::Name() const { return fs::path(mPath).filename().string(); }
 
 std::string FolderItem::ShellPath() const {
@@ -118,3 +138,5 @@ FolderItemRef SpecialFolder::Documents() {
 }
 
 void SetBaseFolder(std::string path) { ReplacedBaseFolder() = std::move(path); }
+
+void SetUser(std::optional<std::uint32_t> user) { ReplacedUser() = user; }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <optional>
@@ -24,6 +25,13 @@ class FolderItem {
     FolderItemRef Child(std::string_view name) const;
 
     bool Exists() const;
+    // A folder, or a link to one.
+    bool IsFolder() const;
+    // Whether somebody else may have put it there: its folder lets every user write, and the entry
+    // (of a link the link itself) belongs neither to the user nor to root. Linux has the same rule
+    // for opening files (fs.protected_regular). A folder that only a group can write to counts as
+    // that group's own.
+    bool MayBePlanted() const;
     std::string Name() const;
     std::string NativePath() const { return mPath; }
 
@@ -59,3 +67,6 @@ FolderItemRef Documents();
 
 // Replaces the base folder, for tests that prepare one of their own; empty ends that.
 void SetBaseFolder(std::string path);
+
+// Replaces the number of the user that MayBePlanted compares with, for tests; nothing ends that.
+void SetUser(std::optional<std::uint32_t> user);

@@ -1,4 +1,3 @@
-// For the platform's own files.
 #pragma once
 
 class QWidget;

@@ -12,8 +12,8 @@ qsizetype QtSize(std::string_view text) { return static_cast<qsizetype>(text.siz
 
 QString ToQt(std::string_view text) {
     QString converted = QString::fromUtf8(text.data(), QtSize(text));
-    // Qt drops a leading byte order mark. Text comes in pieces, so here it may be a character from
-    // the middle.
+    // Qt drops a leading byte order mark. `text` may be a piece from the middle of a longer text,
+    // where U+FEFF is a character as any other.
     if (text.starts_with("\xEF\xBB\xBF")) converted.prepend(QChar::ByteOrderMark);
     return converted;
 }

@@ -25,17 +25,17 @@ class Serial::Port {
     Port(const Port&) = delete;
     Port& operator=(const Port&) = delete;
 
-    // After false, the destructor closes what has been opened.
+    // False on failure. The destructor closes the device in either case.
     bool Open(const Settings& settings) {
         // Without O_NONBLOCK it would wait for a carrier.
         mDescriptor = open(settings.devicePath.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-        // The kernel's exclusive mode doesn't bind a privileged process; serial programs agree on
-        // the lock besides.
+        // Exclusive mode (TIOCEXCL) doesn't keep out a privileged process, so there is a lock too,
+        // as other serial programs take it.
         if (mDescriptor < 0 || flock(mDescriptor, LOCK_EX | LOCK_NB) != 0) return false;
         if (tcgetattr(mDescriptor, &mFound) != 0 || ioctl(mDescriptor, TIOCEXCL) != 0) return false;
         mOurs = true;
         if (!Prepare(settings)) return false;
-        SetLines(settings.rts, settings.dtr);
+        SetLines(settings);
         mNotifier = std::make_unique<QSocketNotifier>(mDescriptor, QSocketNotifier::Read);
         QObject::connect(mNotifier.get(), &QSocketNotifier::activated, [this] { Receive(); });
         return true;
@@ -55,24 +55,31 @@ class Serial::Port {
         mode.c_iflag &= ~static_cast<tcflag_t>(IXON | IXOFF | IXANY | INPCK);
         if (settings.cts) mode.c_cflag |= CRTSCTS;
         if (settings.xon) mode.c_iflag |= IXON | IXOFF;
-        // With these a read of nothing means a hang-up, never that there is no data yet.
+        // With these values read() returns 0 for a hang-up alone, and fails with EAGAIN while there
+        // is no data.
         mode.c_cc[VMIN] = 1;
         mode.c_cc[VTIME] = 0;
         return tcsetattr(mDescriptor, TCSANOW, &mode) == 0 &&
                SetSerialRate(mDescriptor, settings.baud);
     }
 
-    // A driver without modem lines refuses, and has nothing to set.
-    void SetLines(bool rts, bool dtr) const {
+    // These calls fail where the driver has no modem lines. With hardware flow control RTS is the
+    // driver's: lowered by us, it would forbid the device to send.
+    void SetLines(const Settings& settings) const {
+        if (settings.cts) {
+            const int dtr = TIOCM_DTR;
+            ioctl(mDescriptor, settings.dtr ? TIOCMBIS : TIOCMBIC, &dtr);
+            return;
+        }
         int lines = 0;
         if (ioctl(mDescriptor, TIOCMGET, &lines) != 0) return;
-        lines = rts ? lines | TIOCM_RTS : lines & ~TIOCM_RTS;
-        lines = dtr ? lines | TIOCM_DTR : lines & ~TIOCM_DTR;
+        lines = settings.rts ? lines | TIOCM_RTS : lines & ~TIOCM_RTS;
+        lines = settings.dtr ? lines | TIOCM_DTR : lines & ~TIOCM_DTR;
         ioctl(mDescriptor, TIOCMSET, &lines);
     }
 
-    // Qt calls this for a hang-up too, and again and again until the descriptor is no longer
-    // looked at.
+    // A hang-up makes the file descriptor readable too, and it stays so until Release disables the
+    // notifier.
     void Receive() {
         std::array<char, 4096> bytes{};
         const ssize_t count = read(mDescriptor, bytes.data(), bytes.size());
@@ -97,8 +104,8 @@ class Serial::Port {
     Serial& mSerial;
     int mDescriptor = -1;  // -1 also after a hang-up
     std::unique_ptr<QSocketNotifier> mNotifier;
-    bool mOurs = false;  // from the moment that nobody else has it
-    termios mFound{};    // how the terminal was before, for those that use it after us
+    bool mOurs = false;  // in exclusive mode, by us
+    termios mFound{};    // the settings before ours, restored in the end
     std::string mReceived;
 };
 

@@ -25,7 +25,8 @@ class Serial : public Control {
     void CTS(bool on) { mSettings.cts = on; }
     void DTR(bool) {}
     // The state that Open gives to the two lines, in one step: lowering one after the other
-    // resets the usual board. Ports without such lines open all the same.
+    // resets the usual board. With CTS on, RTS is left to the driver. Ports without such lines open
+    // all the same.
     void RequestToSend(bool high) { mSettings.rts = high; }
     void DataTerminalReady(bool high) { mSettings.dtr = high; }
 

@@ -2,29 +2,46 @@
 
 #include <QTextBlock>
 #include <QTextCursor>
+#include <QTextDocument>
 #include <algorithm>
 
 namespace {
 
-constexpr int kContinues = 1;  // the user state of a paragraph that goes on with the one before it
+constexpr int kContinues = QTextFormat::UserProperty;  // goes on with the paragraph before it
 
 bool IsLineEnd(QChar c) { return c == QChar::ParagraphSeparator || c == u'\n'; }
 
+bool Continues(const QTextBlock& paragraph) {
+    return paragraph.blockFormat().boolProperty(kContinues);
+}
+
+void InsertParagraph(QTextCursor& cursor, bool continues) {
+    QTextBlockFormat format;
+    if (continues) format.setProperty(kContinues, true);
+    cursor.insertBlock(format);
+}
+
 }  // namespace
 
-void AppendParagraphs(QTextDocument& document, const QString& text) {
-    QTextCursor cursor(&document);
-    cursor.movePosition(QTextCursor::End);
+void InsertParagraphs(QTextCursor cursor, const QString& given) {
+    QString text = given;
+    if (text.contains(u'\r')) text.replace("\r\n", "\n").replace(u'\r', u'\n');
     cursor.beginEditBlock();
-    qsizetype room = kLongestParagraph - cursor.block().length();
+    cursor.removeSelectedText();
+    // The paragraphs of lines that are inserted at once get the format of the first.
+    bool continues = Continues(cursor.block());
+    qsizetype room = kLongestParagraph - cursor.positionInBlock() - 1;
     qsizetype from = 0;
     for (qsizetype at = 0; at < text.size(); ++at) {
         if (IsLineEnd(text[at])) {
             room = kLongestParagraph;
+            if (!continues) continue;
+            cursor.insertText(text.mid(from, at - from));
+            InsertParagraph(cursor, continues = false);
+            from = at + 1;
         } else if (--room < 0 && !text[at].isLowSurrogate()) {
             cursor.insertText(text.mid(from, at - from));
-            cursor.insertBlock();
-            cursor.block().setUserState(kContinues);
+            InsertParagraph(cursor, continues = true);
             from = at;
             room = kLongestParagraph - 1;
         }
@@ -33,13 +50,41 @@ void AppendParagraphs(QTextDocument& document, const QString& text) {
     cursor.endEditBlock();
 }
 
+void AppendParagraphs(QTextDocument& document, const QString& text) {
+    QTextCursor cursor(&document);
+    cursor.movePosition(QTextCursor::End);
+    InsertParagraphs(cursor, text);
+}
+
 QString TextBetween(const QTextDocument& document, int from, int to) {
     QString text;
     for (QTextBlock block = document.findBlock(from); block.isValid() && block.position() <= to;
          block = block.next()) {
-        if (block.position() > from && block.userState() != kContinues) text += u'\n';
+        if (block.position() > from && !Continues(block)) text += u'\n';
         const int begin = std::max(0, from - block.position());
         text += block.text().mid(begin, to - block.position() - begin);
     }
     return text.replace(QChar::LineSeparator, u'\n');
+}
+
+bool EndsLine(const QTextBlock& paragraph) {
+    return paragraph.next().isValid() && !Continues(paragraph.next());
+}
+
+void BeginLine(QTextCursor cursor) {
+    if (!Continues(cursor.block())) return;
+    cursor.joinPreviousEditBlock();
+    cursor.setBlockFormat({});
+    cursor.endEditBlock();
+}
+
+QTextOption::WrapMode WrappingOf(const QString& text) {
+    qsizetype longest = 0;
+    qsizetype length = 0;
+    for (const QChar c : text) {
+        length = c.isSpace() ? 0 : length + 1;
+        longest = std::max(longest, length);
+    }
+    return longest > kLongestParagraph ? QTextOption::WrapAnywhere
+                                       : QTextOption::WrapAtWordBoundaryOrAnywhere;
 }

@@ -2,14 +2,34 @@
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <string.h>
 #include <unistd.h>
 
 #include <charconv>
+#include <string_view>
 
 #ifdef __linux__
 
 namespace {
+
+// A path below /proc, put together without allocating. What doesn't fit is left out, and then there
+// is no such file.
+class ProcPath {
+  public:
+    ProcPath& Append(std::string_view part) {
+        mLength += part.copy(mText.data() + mLength, mText.size() - 1 - mLength);
+        return *this;
+    }
+    ProcPath& Append(pid_t number) {
+        std::array<char, 16> digits;
+        const char* end = std::to_chars(digits.begin(), digits.end(), number).ptr;
+        return Append({digits.data(), static_cast<std::size_t>(end - digits.data())});
+    }
+    const char* Text() const { return mText.data(); }
+
+  private:
+    std::array<char, 64> mText{};  // the rest stays 0
+    std::size_t mLength = 0;
+};
 
 // `file` lists process numbers with a blank behind each.
 void AddNumbers(int file, ProcessList& list) {
@@ -31,9 +51,8 @@ void AddNumbers(int file, ProcessList& list) {
 
 // Each thread of a process has its own list of children.
 void AddChildren(pid_t parent, ProcessList& list) {
-    std::array<char, 32> path{"/proc/"};
-    strcpy(std::to_chars(path.data() + 6, path.data() + path.size() - 6, parent).ptr, "/task");
-    const int tasks = open(path.data(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const auto path = ProcPath().Append("/proc/").Append(parent).Append("/task");
+    const int tasks = open(path.Text(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (tasks < 0) return;
     alignas(dirent64) std::array<char, 2048> entries;
     for (ssize_t size = 0; (size = getdents64(tasks, entries.data(), entries.size())) > 0;) {
@@ -41,8 +60,8 @@ void AddChildren(pid_t parent, ProcessList& list) {
             const auto* thread = reinterpret_cast<const dirent64*>(entries.data() + at);
             at += thread->d_reclen;
             if (*thread->d_name == '.') continue;
-            stpcpy(stpcpy(path.data(), thread->d_name), "/children");
-            const int children = openat(tasks, path.data(), O_RDONLY | O_CLOEXEC);
+            const auto file = ProcPath().Append(thread->d_name).Append("/children");
+            const int children = openat(tasks, file.Text(), O_RDONLY | O_CLOEXEC);
             AddNumbers(children, list);
             close(children);
         }
@@ -56,8 +75,11 @@ void AddChildren(pid_t, ProcessList&) {}
 
 #endif
 
+void AddDescendantsOfListed(ProcessList& list) {
+    for (std::size_t next = 0; next < list.Count(); ++next) AddChildren(list[next], list);
+}
+
 void AddDescendants(ProcessList& list) {
-    std::size_t next = list.Count();
     AddChildren(getpid(), list);
-    for (; next < list.Count(); ++next) AddChildren(list[next], list);
+    AddDescendantsOfListed(list);
 }

@@ -18,13 +18,16 @@ class ProcessList {
     const pid_t* end() const { return mProcesses.data() + mCount; }
 
   private:
-    // A longer list is cut off. A kill is repeated, so a later round finds the rest.
+    // A longer list is cut off. Signals are sent again and again, so the rest gets them too.
     std::array<pid_t, 16384> mProcesses;
     std::size_t mCount = 0;
 };
 
-// Adds the children of `parent`, zombies included. Nothing where the system doesn't tell.
+// Adds the children of `parent`, zombies included. On macOS it adds nothing.
 void AddChildren(pid_t parent, ProcessList& list);
 
 // Adds all descendants of this process. A process that is forked meanwhile may be missing.
 void AddDescendants(ProcessList& list);
+
+// Adds all descendants of those in the list.
+void AddDescendantsOfListed(ProcessList& list);

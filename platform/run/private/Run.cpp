@@ -13,6 +13,10 @@ using namespace std::chrono_literals;
 
 constexpr auto kForceAfter = 2s;
 
+// Without a supervisor.
+constexpr auto kGiveUpOrphansAfter = 1s;
+constexpr auto kKillAgainAfter = 10ms;
+
 // The supervisor gives up one second after its first kill. Wait longer: it may hang itself.
 constexpr auto kGiveUpAfter = 1500ms;
 
@@ -39,7 +43,7 @@ Run::~Run() {
 void Run::Start(std::string_view command) {
     mPhase = Phase::Starting;
     mAtLineStart = false;
-    mLastWords.clear();
+    mFailure.clear();
     if (command.find('\0') != command.npos)
         return Fail("a command with a NUL character in it can't be run");
     if (!mTerminal.emplace().IsOpen())
@@ -55,7 +59,7 @@ void Run::Start(std::string_view command) {
     mArrival = when(mTerminal->Master(), [this] { Pass(mTerminal->Read()); });
     mReport = when(mSupervisor->Descriptor(), [this] {
         if (mSupervisor->Hear())
-            Ended();
+            mSupervisor->WasKilled() ? KillOrphans() : Ended();
         else if (mPhase == Phase::Running && mSupervisor->ShellEnded())
             mSupervisor->Give(Order::LetGo);
     });
@@ -75,14 +79,30 @@ void Run::NextStep() {
         mStep->start(kGiveUpAfter);
     } else if (mPhase == Phase::Forced) {
         Ended();
+    } else if (mPhase == Phase::Orphaned) {
+        KillOrphans();
     } else {
         Drain();
     }
 }
 
+// Nobody must be told that a run is over while a process of it still writes to a chip.
+void Run::KillOrphans() {
+    const auto now = std::chrono::steady_clock::now();
+    if (mPhase != Phase::Orphaned) {
+        mPhase = Phase::Orphaned;
+        mGiveUpAt = now + kGiveUpOrphansAfter;
+        mReport->setEnabled(false);
+    }
+    if (mSupervisor->KillRun()) return Ended();
+    if (now < mGiveUpAt) return mStep->start(kKillAgainAfter);
+    mSupervisor->GiveUp();
+    Ended();
+}
+
 void Run::Fail(const std::string& reason) {
     mPhase = Phase::Draining;
-    mLastWords = "sh: " + reason + "\n";
+    mFailure = "sh: " + reason + "\n";
     mStep->start(0);
 }
 
@@ -110,15 +130,17 @@ void Run::Drain() {
 }
 
 void Run::Complete() {
+    std::string lines;
     if (mSupervisor) {
+        if (mSupervisor->WasKilled()) lines += "quillstone-run was killed, so the run was ended\n";
         // Neither a report nor an end of file: the supervisor itself hangs.
         auto left = mSupervisor->Unkilled();
         if (left.empty() && !mSupervisor->Hear()) left.push_back(mSupervisor->Process());
-        if (!left.empty() && !mAtLineStart) mLastWords += '\n';
         for (const pid_t process : left)
-            mLastWords += "process " + std::to_string(process) + " couldn't be ended\n";
+            lines += "process " + std::to_string(process) + " couldn't be ended\n";
+        if (!lines.empty() && !mAtLineStart) lines.insert(0, 1, '\n');
     }
-    Pass(mLastWords);
+    Pass(mFailure + lines);
     mArrival.reset();
     mReport.reset();
     mTerminal.reset();  // hangs up what the command left behind, which goes its own way

@@ -3,6 +3,7 @@
 // events; nothing but the destructor waits.
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -43,12 +44,14 @@ class Run {
         Running,   // until the shell ends
         Stopping,  // asked to end, until all of the run's processes have
         Forced,    // killed, until all of them are gone or can't be killed
+        Orphaned,  // the supervisor was killed, and now the rest is, until all are gone or can't be
         Draining,  // the processes have ended, output of theirs may be left
     };
 
     void Fail(const std::string& reason);
     void Pass(const std::string& bytes);
     void NextStep();
+    void KillOrphans();
     void Ended();
     void Drain();
     void Complete();
@@ -58,7 +61,8 @@ class Run {
     std::optional<Supervisor> mSupervisor;
     std::unique_ptr<QSocketNotifier> mArrival, mReport;  // of output, from the supervisor
     std::unique_ptr<QTimer> mStep;                       // ends some phases
+    std::chrono::steady_clock::time_point mGiveUpAt;     // in Orphaned
     std::size_t mRest = 0;                               // bytes that may still be drained
     bool mAtLineStart = false;
-    std::string mLastWords;  // lines of ours, shown behind the command's output
+    std::string mFailure;  // why the command couldn't be started
 };

@@ -1,12 +1,18 @@
-// The program's side of a run's supervisor (see Supervise.h).
+// The program's side of a run's supervisor (see Supervise.h). One run at a time has one.
+//
+// While a run lasts, this process is a child subreaper: if the supervisor is killed, the run's
+// processes become children of this process and can still be ended. And it leaves no core file: the
+// run would go on for as long as the kernel writes it.
 #pragma once
 
+#include <sys/resource.h>
 #include <sys/types.h>
 
 #include <chrono>
 #include <string_view>
 #include <vector>
 
+#include "platform/run/private/Processes.h"
 #include "platform/run/private/Supervise.h"
 
 class Terminal;
@@ -27,8 +33,19 @@ class Supervisor {
 
     void Give(Order order) const;
 
-    // Takes what the supervisor has to tell, without waiting. Whether the run is over.
+    // Takes what the supervisor has to tell, without waiting. Whether the supervisor has ended.
     bool Hear();
+
+    // Whether the supervisor has ended by a signal. Processes of the run may be left then, which
+    // KillRun ends.
+    bool WasKilled() const { return mWasKilled; }
+
+    // Kills what is left of the run of a supervisor that was killed. Call it again and again, since
+    // the processes may start others meanwhile. True when none is left.
+    bool KillRun();
+
+    // Counts what KillRun has left among the Unkilled.
+    void GiveUp();
 
     // Whether the shell has ended, as far as heard. Others of the run may be left.
     bool ShellEnded() const { return mShellEnded; }
@@ -40,8 +57,13 @@ class Supervisor {
     void End(std::chrono::milliseconds atMost);
 
   private:
+    // Those of the run's processes that are children of this one.
+    ProcessList ChildrenOfRun() const;
+
+    const std::vector<pid_t> mOtherChildren;  // of this process, from before the run
     int mSocket = -1;
-    pid_t mProcess = -1;
-    bool mShellEnded = false, mOver = false;
+    pid_t mProcess = -1;  // reaped when mOver
+    bool mShellEnded = false, mOver = false, mWasKilled = false;
     std::vector<pid_t> mUnkilled;
+    rlimit mCoreLimit{};  // of this process, before the run
 };

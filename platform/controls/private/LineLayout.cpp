@@ -1,0 +1,50 @@
+#include "platform/controls/private/LineLayout.h"
+
+#include <QTextBlock>
+#include <QTextLayout>
+
+void LineLayout::Width(int width) {
+    if (width == mWidth) return;
+    mWidth = width;
+    for (QTextBlock paragraph = document()->firstBlock(); paragraph.isValid();
+         paragraph = paragraph.next()) {
+        paragraph.clearLayout();
+        paragraph.setLineCount(1);  // until it is laid out
+    }
+    emit update();
+}
+
+QSizeF LineLayout::documentSize() const { return QSizeF(mWidth, document()->lineCount()); }
+
+QRectF LineLayout::blockBoundingRect(const QTextBlock& paragraph) const {
+    if (paragraph.isValid() && paragraph.layout()->lineCount() == 0) LayOut(paragraph);
+    return QPlainTextDocumentLayout::blockBoundingRect(paragraph);
+}
+
+void LineLayout::LayOut(QTextBlock paragraph) const {
+    const qreal margin = document()->documentMargin();
+    QTextLayout& layout = *paragraph.layout();
+    layout.setTextOption(document()->defaultTextOption());
+    layout.beginLayout();
+    qreal height = 0;
+    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+        line.setLeadingIncluded(true);
+        line.setLineWidth(mWidth - 2 * margin);
+        line.setPosition(QPointF(margin, height));
+        height += line.height();
+    }
+    layout.endLayout();
+    paragraph.setLineCount(layout.lineCount());
+}
+
+void LineLayout::documentChanged(int from, int removed, int added) {
+    const QTextBlock last = document()->findBlock(qMax(0, from + removed + added - 1));
+    QTextBlock paragraph = document()->findBlock(from);
+    for (; paragraph.isValid(); paragraph = paragraph.next()) {
+        paragraph.clearLayout();
+        if (paragraph.lineCount() == 0) paragraph.setLineCount(1);
+        if (paragraph == last) break;
+    }
+    emit documentSizeChanged(documentSize());
+    emit update(QRectF(0, -document()->documentMargin(), 1e9, 1e9));
+}
