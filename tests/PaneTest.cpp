@@ -142,7 +142,7 @@ class PaneTest : public QObject {
 
     void OutputStaysInView() {
         const OpenedWindow opened;
-        const QScrollBar* bar = opened.Widget<QPlainTextEdit>("rEF")->verticalScrollBar();
+        QScrollBar* bar = opened.Widget<QPlainTextEdit>("rEF")->verticalScrollBar();
         TextArea& output = opened.window.rEF();
         output.AppendText("1\n2\n3\n4\n5\n6\n7\n8\n");
         QCOMPARE(bar->maximum(), 0);
@@ -158,6 +158,13 @@ class PaneTest : public QObject {
         output.AppendText(lines);
         output.ScrollPosition(10'000);  // a line, and there are more by now
         QVERIFY(bar->value() == 10'000 && bar->value() < bar->maximum());
+        // Paragraphs of several lines that have been scrolled through.
+        auto* pane = opened.Widget<QPlainTextEdit>("rEF");
+        output.Text((QString(500, 'x') + '\n').repeated(100).toStdString());
+        for (int page = 0; page < 10; ++page) QTest::keyClick(pane, Qt::Key_PageDown);
+        bar->setValue(bar->maximum());
+        const QPoint lastLine(9, pane->viewport()->height() - 9);
+        QVERIFY(pane->cursorForPosition(lastLine).atEnd());
     }
 };
 

@@ -60,7 +60,7 @@ struct TextArea::State : public QPlainTextEdit {
 
     std::string Read() const {
         if (mSet) return mSet->text;
-        return FromQt(TextBetween(*document(), 0, document()->characterCount()));
+        return FromQt(TextBetween(*document(), 0, document()->characterCount() - 1));
     }
 
     void Append(const QString& text) {

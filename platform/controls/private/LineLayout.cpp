@@ -17,11 +17,12 @@ void LineLayout::Width(int width) {
 QSizeF LineLayout::documentSize() const { return QSizeF(mWidth, document()->lineCount()); }
 
 QRectF LineLayout::blockBoundingRect(const QTextBlock& paragraph) const {
-    if (paragraph.isValid() && paragraph.layout()->lineCount() == 0) LayOut(paragraph);
+    if (paragraph.isValid() && paragraph.layout()->lineCount() == 0)
+        const_cast<LineLayout*>(this)->LayOut(paragraph);
     return QPlainTextDocumentLayout::blockBoundingRect(paragraph);
 }
 
-void LineLayout::LayOut(QTextBlock paragraph) const {
+void LineLayout::LayOut(QTextBlock paragraph) {
     const qreal margin = document()->documentMargin();
     QTextLayout& layout = *paragraph.layout();
     layout.setTextOption(document()->defaultTextOption());
@@ -34,7 +35,12 @@ void LineLayout::LayOut(QTextBlock paragraph) const {
         height += line.height();
     }
     layout.endLayout();
+    if (paragraph.lineCount() == layout.lineCount()) return;
     paragraph.setLineCount(layout.lineCount());
+    if (mTellsSize) return;
+    mTellsSize = true;
+    emit documentSizeChanged(documentSize());  // the scroll bar's range
+    mTellsSize = false;
 }
 
 void LineLayout::documentChanged(int from, int removed, int added) {

@@ -20,7 +20,8 @@ class LineLayout : public QPlainTextDocumentLayout {
     void documentChanged(int from, int removed, int added) override;
 
   private:
-    void LayOut(QTextBlock paragraph) const;
+    void LayOut(QTextBlock paragraph);
 
     int mWidth = 0;
+    bool mTellsSize = false;  // those who are told ask for more paragraphs
 };
