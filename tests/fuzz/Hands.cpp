@@ -3,14 +3,15 @@
 // Each seed has a process of its own. A crash, a report of a sanitizer or a step that takes a
 // minute ends it, and is told with the seed and the step.
 //
-// Nothing that is typed here is ever run: Start replaces it by a command of kCommands. And dialogs
-// are opened and cancelled, no more, since files can be renamed and deleted in them.
+// Nothing that is typed here is ever run: Start replaces it by a command of kCommands. And what has
+// an event loop of its own, such as a dialog, is closed at once, since dialogs can delete files.
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <QAccessible>
 #include <QInputMethodEvent>
+#include <QThread>
 #include <QTimer>
 #include <QWheelEvent>
 #include <QWindow>
@@ -51,7 +52,10 @@ class Hands {
             action(sender);
         };
         mCancel.callOnTimeout([] {
-            if (QWidget* dialog = QApplication::activeModalWidget()) dialog->close();
+            if (QThread::currentThread()->loopLevel() == 0) return;
+            QWidget* waits = QApplication::activePopupWidget();
+            if (waits == nullptr) waits = QApplication::activeModalWidget();
+            if (waits != nullptr) waits->close();
         });
         mCancel.start(1);
     }
