@@ -16,6 +16,7 @@ class LineAccess : public QAccessibleWidget, public LineText {
 
     void* interface_cast(QAccessible::InterfaceType type) override;
     QAccessible::State state() const override;
+    using LineText::text;
     QString text(QAccessible::Text kind) const override {
         return kind == QAccessible::Value ? mLine.text() : QAccessibleWidget::text(kind);
     }

@@ -31,6 +31,7 @@ class CellAccess : public QAccessibleInterface,
     QAccessible::Role role() const override;
     QAccessible::State state() const override;
     QRect rect() const override;
+    using LineText::text;
     QString text(QAccessible::Text kind) const override;
     void setText(QAccessible::Text, const QString& text) override {
         if (IsEditable()) mView->model()->setData(Index(), text);
