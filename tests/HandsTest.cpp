@@ -54,6 +54,7 @@ class HandsTest : public QObject {
         Key(Qt::Key_Down);
         job.TabTo("DeletePB");
         Key(Qt::Key_Space);
+        QCOMPARE(job.Focus(), "ulb");  // nothing is left to delete
         job.TabTo("InstallEF");
         Key(Qt::Key_End, Qt::ControlModifier);
         Type(" e");
@@ -132,6 +133,26 @@ class HandsTest : public QObject {
         QVERIFY(job.Output() != "hangs");
         QCOMPARE(job.Runs(), 1);
         QCOMPARE(job.Focus(), "StartPB");  // the focus came back
+    }
+
+    // Start is disabled meanwhile.
+    void FocusDuringARun_data() {
+        const auto row = Columns<Qt::Key, QString>("key", "after");
+        row("Shift alone", Qt::Key_Shift, "StartPB");
+        row("Alt alone", Qt::Key_Alt, "StartPB");
+        row("another key", Qt::Key_Home, "rEF");
+    }
+    void FocusDuringARun() {
+        const auto [key, after] = Row<Qt::Key, QString>("key", "after");
+        const WholeJob job;
+        job.TabTo("StartPB");
+        job.window.InstallEF().Text("exec sleep 999");
+        Key(Qt::Key_Space);
+        QCOMPARE(job.Focus(), "rEF");
+        QTest::keyPress(TakesKeys(), key);
+        job.window.esptool().Stop();
+        QVERIFY(job.Output() != "hangs");
+        QCOMPARE(job.Focus(), after);
     }
 
     void CtrlReturnPressesStart_data() {

@@ -1,4 +1,6 @@
 // The list under the user's hands: typing, clicks, keys, colours, and what a screen reader does.
+#include <unistd.h>
+
 #include <QAccessible>
 #include <QSignalSpy>
 
@@ -162,6 +164,59 @@ class ListTest : public QObject {
         QVERIFY(job.Editor() && cell->state().selected && table->selectedRows() == QList{1});
         job.Load("up,a.bin");
         QVERIFY(!cell->isValid() && !cell->state().selected);
+    }
+
+    // What a screen reader asks of a line of text. SIGALRM ends the test if an answer never comes.
+    void AccessToText_data() {
+        const auto row = Columns<bool, bool>("list", "editor");
+        row("a field", false, true);
+        row("an address", true, false);
+        row("an address that is edited", true, true);
+    }
+    void AccessToText() {
+        const Job job;
+        const auto [list, editor] = Row<bool, bool>("list", "editor");
+        job.Press(Qt::Key_Home);
+        if (editor) list ? job.Press(Qt::Key_F2) : job.opened.TabTo("ResetEF");
+        auto* access = QAccessible::queryAccessibleInterface(QApplication::focusWidget());
+        if (!editor) access = access->tableInterface()->cellAt(0, 1);
+        auto* text = access->textInterface();
+        using Text = QAccessibleTextInterface;
+        alarm(60);
+        for (const QString whole : {"", "ab cd. E", "  ", "a\U0001F600b", "one two"}) {
+            access->setText(QAccessible::Value, whole);
+            QCOMPARE(access->text(QAccessible::Value), whole);
+            const int size = static_cast<int>(whole.size());
+            for (int type = QAccessible::CharBoundary; type <= QAccessible::NoBoundary; ++type)
+                for (int at = -1; at <= size + 3; ++at)
+                    for (const auto ask :
+                         {&Text::textBeforeOffset, &Text::textAtOffset, &Text::textAfterOffset}) {
+                        int start = -9, end = -9;
+                        const auto kind = static_cast<QAccessible::TextBoundaryType>(type);
+                        const QString part = (text->*ask)(at, kind, &start, &end);
+                        QVERIFY(start >= 0 && start <= end && end <= size);
+                        QCOMPARE(part, whole.mid(start, end - start));
+                        QVERIFY(!part.isEmpty() || start == size);
+                    }
+        }
+        alarm(0);
+        int start = 0, end = 0;
+        QCOMPARE(text->textBeforeOffset(7, QAccessible::WordBoundary, &start, &end), "two");
+        QCOMPARE(text->textAtOffset(1, QAccessible::WordBoundary, &start, &end), "one");
+        QCOMPARE(text->textAfterOffset(3, QAccessible::WordBoundary, &start, &end), "two");
+        QCOMPARE(text->textAtOffset(7, QAccessible::WordBoundary, &start, &end), "");
+        QCOMPARE(text->textAtOffset(7, QAccessible::LineBoundary, &start, &end), "one two");
+        access->editableTextInterface()->insertText(INT_MAX, "!");
+        QCOMPARE(text->text(-9, INT_MAX), "one two!");
+        if (!editor) return;
+        QVERIFY(access->role() == QAccessible::EditableText && access->state().editable);
+        QVERIFY(text->cursorPosition() == 8 && text->selectionCount() == 0);
+        QCOMPARE(text->offsetAtPoint(text->characterRect(4).topLeft()), 4);
+        text->setSelection(0, 4, INT_MAX);
+        text->selection(0, &start, &end);
+        QVERIFY(start == 4 && end == 8 && text->selectionCount() == 1);
+        Press({Qt::CTRL | Qt::Key_Z});
+        QVERIFY(text->text(0, 9) != "one two!");  // an edit can be undone
     }
 };
 

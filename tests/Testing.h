@@ -166,8 +166,9 @@ class OpenedWindow {
     QWidget* frame = nullptr;
 };
 
-template <class Test>
-int TestMain(int count, char** arguments) {
+// Starts the program without its window, for as long as `body` runs.
+template <class Body>
+int WithProgram(Body body) {
     SetSupportsHiDPI(true);
     FileTypes1::Initialize();
     auto app = std::make_shared<App>();
@@ -176,13 +177,17 @@ int TestMain(int count, char** arguments) {
     InitializeFramework([] {});
     System().PortNames = [] { return std::vector<std::string>(); };  // whatever the machine has
     System().DevicePrefix = "/dev/";  // pseudo terminals have no other on any system
-    int failed = 0;
-    {
-        Test test;
-        failed = QTest::qExec(&test, count, arguments);
-    }
+    const int failed = body();
     EndFramework();
     return failed;
+}
+
+template <class Test>
+int TestMain(int count, char** arguments) {
+    return WithProgram([=] {
+        Test test;
+        return QTest::qExec(&test, count, arguments);
+    });
 }
 
 #define QUILLSTONE_TEST(Test) \

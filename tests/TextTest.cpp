@@ -80,6 +80,8 @@ class TextTest : public QObject {
         QCOMPARE(read, lines);
     }
 
+    void EqualWithoutCase() { QVERIFY(Equal("AMZ", "amz") && !Equal("@[", "`{")); }
+
     // In whatever pieces it arrives.
     void TextOfAnOutput_data() {
         const auto row = Columns<QByteArray, QByteArray>("output", "text");

@@ -16,6 +16,7 @@
 
 #include "platform/application/private/Display.h"
 #include "platform/qt/HeldKey.h"
+#include "platform/qt/LineAccess.h"
 
 namespace {
 
@@ -119,6 +120,7 @@ void InitializeFramework(const std::function<void()>& ready) {
     QApplication::setQuitOnLastWindowClosed(false);  // Window's Close says what happens
     QGuiApplication::styleHints()->setTabFocusBehavior(Qt::TabFocusAllControls);
     SpeakTheUsersLanguage();
+    InstallLineAccess();
     ready();
 }
 

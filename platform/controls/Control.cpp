@@ -12,15 +12,15 @@
 
 namespace {
 
-// The nearest control on that side in the tab order that the user can see and reach.
-QWidget* Neighbour(const QWidget& widget, QWidget* (QWidget::*step)() const) {
+// The nearest control before it in the tab order that the user can see and reach, or nullptr.
+QWidget* ControlBefore(const QWidget& widget) {
     const QWidget* content = widget.parentWidget();
-    for (QWidget* next = (widget.*step)(); next != &widget && !next->isWindow();
-         next = (next->*step)())
-        if (next->parentWidget() == content && next->isEnabled() &&
-            (next->focusPolicy() & Qt::TabFocus) != 0 &&
-            content->rect().intersects(next->geometry()))
-            return next;
+    for (QWidget* other = widget.previousInFocusChain(); !other->isWindow();
+         other = other->previousInFocusChain())
+        if (other->parentWidget() == content && other->isEnabled() &&
+            (other->focusPolicy() & Qt::TabFocus) != 0 &&
+            content->rect().intersects(other->geometry()))
+            return other;
     return nullptr;
 }
 
@@ -68,9 +68,8 @@ bool RectControl::Enabled() const { return mNative->isEnabled(); }
 
 void RectControl::Enabled(bool enabled) {
     if (!enabled && mNative->window()->focusWidget() == mNative) {
-        QWidget* heir = Neighbour(*mNative, &QWidget::previousInFocusChain);
-        if (heir == nullptr) heir = Neighbour(*mNative, &QWidget::nextInFocusChain);
-        if (heir != nullptr) heir->setFocus();
+        // Where there is none, Qt gives the focus to the next one.
+        if (QWidget* before = ControlBefore(*mNative)) before->setFocus();
         mFocusLoan = std::make_unique<FocusLoan>();
     }
     mNative->setEnabled(enabled);

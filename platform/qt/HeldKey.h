@@ -4,7 +4,7 @@
 class QEvent;
 class QKeyEvent;
 
-// Has to see every event before it is handled.
+// To be called from QApplication::notify with every event, before the event is delivered.
 void WatchForHeldKey(const QEvent& event);
 
 // Whether the key that is being handled is one that is held down and repeats itself. On X11 Qt

@@ -36,7 +36,7 @@ class Window::Frame : public QMainWindow {
         SetLimits(0);
         resize(mStartSize.width(), mStartSize.height() + menuBar()->sizeHint().height());
         show();
-        // Only the shown window knows what the menu bar takes.
+        // The height of the menu bar is known once the window is shown.
         const int above = height() - mContent.height();
         SetLimits(above);
         resize(mStartSize.width(), mStartSize.height() + above);
@@ -47,7 +47,8 @@ class Window::Frame : public QMainWindow {
 
   protected:
     bool event(QEvent* event) override {
-        // Only the window that has come up knows what the system puts around it.
+        // The window manager adds the window decorations after show() has returned. By the time the
+        // window becomes active, frameGeometry() includes them.
         if (event->type() == QEvent::WindowActivate && !std::exchange(mCameUp, true))
             FitIntoScreen();
         return QMainWindow::event(event);

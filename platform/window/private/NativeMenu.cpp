@@ -2,11 +2,10 @@
 
 #include <QAction>
 #include <QApplication>
-#include <QClipboard>
+#include <QContextMenuEvent>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
-#include <QMimeData>
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <string_view>
@@ -18,7 +17,9 @@
 
 namespace {
 
-// One editing command, for the one-line controls (cell editors among them) and the others.
+// One editing command, for the one-line controls (cell editors among them) and the others. None
+// asks what is on the clipboard, except to paste it: its owner is another program, which may not
+// answer.
 struct EditCommand {
     std::string_view name;
     void (*line)(QLineEdit&);
@@ -26,12 +27,6 @@ struct EditCommand {
     void (*area)(QPlainTextEdit&);
     bool (*areaReady)(const QPlainTextEdit&);
 };
-
-// Not every system has a clipboard to ask.
-bool ClipboardHasText() {
-    const QMimeData* content = QApplication::clipboard()->mimeData();
-    return content != nullptr && content->hasText();
-}
 
 constexpr EditCommand kEditCommands[] = {
     {"EditUndo", [](QLineEdit& e) { e.undo(); },
@@ -45,9 +40,8 @@ constexpr EditCommand kEditCommands[] = {
      [](const QLineEdit& e) { return e.hasSelectedText(); }, [](QPlainTextEdit& e) { e.copy(); },
      [](const QPlainTextEdit& e) { return e.textCursor().hasSelection(); }},
     {"EditPaste", [](QLineEdit& e) { e.paste(); },
-     [](const QLineEdit& e) { return !e.isReadOnly() && ClipboardHasText(); },
-     [](QPlainTextEdit& e) { e.paste(); },
-     [](const QPlainTextEdit& e) { return !e.isReadOnly() && ClipboardHasText(); }},
+     [](const QLineEdit& e) { return !e.isReadOnly(); }, [](QPlainTextEdit& e) { e.paste(); },
+     [](const QPlainTextEdit& e) { return !e.isReadOnly(); }},
     {"EditClear", [](QLineEdit& e) { e.del(); },
      [](const QLineEdit& e) { return e.hasSelectedText() && !e.isReadOnly(); },
      [](QPlainTextEdit& e) { e.textCursor().removeSelectedText(); },
@@ -64,7 +58,6 @@ class EditItems : public QObject {
     explicit EditItems(QMenuBar& bar) : QObject(&bar) {
         connect(qApp, &QApplication::focusChanged, this,
                 [this](QWidget*, QWidget* now) { Follow(now); });
-        connect(QApplication::clipboard(), &QClipboard::dataChanged, this, &EditItems::Update);
         Follow(QApplication::focusWidget());
     }
 
@@ -79,6 +72,17 @@ class EditItems : public QObject {
         Update();
     }
 
+  protected:
+    // The context menu of a text has these items too. Qt's own one asks the clipboard.
+    bool eventFilter(QObject* object, QEvent* event) override {
+        if (event->type() != QEvent::ContextMenu) return false;
+        auto* menu = new QMenu(static_cast<QWidget*>(object));
+        menu->setAttribute(Qt::WA_DeleteOnClose);
+        for (const auto& [action, command] : mItems) menu->addAction(action);
+        menu->popup(static_cast<QContextMenuEvent*>(event)->globalPos());
+        return true;
+    }
+
   private:
     void Follow(QWidget* focus) {
         if (qobject_cast<QMenuBar*>(focus)) return;  // it acts on what had the focus before
@@ -87,9 +91,12 @@ class EditItems : public QObject {
         mLine = qobject_cast<QLineEdit*>(focus);
         mArea = qobject_cast<QPlainTextEdit*>(focus);
         if (mLine) {
+            mLine->installEventFilter(this);
             connect(mLine, &QLineEdit::selectionChanged, this, &EditItems::Update);
             connect(mLine, &QLineEdit::textChanged, this, &EditItems::Update);
         } else if (mArea) {
+            mArea->installEventFilter(this);              // the menu key
+            mArea->viewport()->installEventFilter(this);  // the mouse
             connect(mArea, &QPlainTextEdit::selectionChanged, this, &EditItems::Update);
             connect(mArea, &QPlainTextEdit::textChanged, this, &EditItems::Update);
             connect(mArea, &QPlainTextEdit::undoAvailable, this, &EditItems::Update);
