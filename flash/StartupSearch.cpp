@@ -26,7 +26,7 @@ FolderItemRef FindBinFolder() {
 void EspWin::Event_Open() {
     FolderItemRef tool = ExistingChild(ExistingChild(GetFolderItem("", 0), "esptool"), "esptool");
     // A clone of the official tool has a folder there.
-    if (tool && tool->IsFolder()) tool = nullptr;
+    if (tool && !tool->IsFile()) tool = nullptr;
     EspToolEF().Text("");
     mEspToolApp = tool;
     if (tool) EspToolEF().Text(tool->NativePath());

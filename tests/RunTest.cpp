@@ -199,7 +199,7 @@ class RunTest : public QObject {
         getrlimit(RLIMIT_CORE, &core);
         QVERIFY(core.rlim_cur <= 1);
         kill(words[2].toInt(), SIGKILL);
-        QVERIFY(opened.Output().endsWith("\nquillstone-run was killed, so the run was ended\n"));
+        QVERIFY(opened.Output().endsWith("\nquillstone-run was killed, which ended the run\n"));
         QCOMPARE(MarkedProcesses(), QList<int>());
         QVERIFY(waitpid(-1, nullptr, WNOHANG) < 0);  // none is left as a zombie
     }

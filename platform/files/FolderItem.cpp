@@ -87,9 +87,9 @@ bool FolderItem::Exists() const {
     return stat(mPath.c_str(), &unused) == 0;
 }
 
-bool FolderItem::IsFolder() const {
+bool FolderItem::IsFile() const {
     struct stat found = {};
-    return stat(mPath.c_str(), &found) == 0 && S_ISDIR(found.st_mode);
+    return stat(mPath.c_str(), &found) == 0 && S_ISREG(found.st_mode);
 }
 
 bool FolderItem::MayBePlanted() const {

@@ -25,8 +25,8 @@ class FolderItem {
     FolderItemRef Child(std::string_view name) const;
 
     bool Exists() const;
-    // A folder, or a link to one.
-    bool IsFolder() const;
+    // A regular file, or a link to one.
+    bool IsFile() const;
     // Whether somebody else may have put it there: its folder lets every user write, and the entry
     // (of a link the link itself) belongs neither to the user nor to root. Linux has the same rule
     // for opening files (fs.protected_regular). A folder that only a group can write to counts as

@@ -1,4 +1,4 @@
-// Keys that are held down. For the platform's own files.
+// Keys that are held down.
 #pragma once
 
 class QEvent;

@@ -1,4 +1,4 @@
-// Paints the cells of a list and makes the editor of one. For the platform's own files.
+// Paints the cells of a list and makes the editor of one.
 #pragma once
 
 #include <functional>

@@ -1,4 +1,4 @@
-// What a screen reader is told of a list. For the platform's own files.
+// What a screen reader is told of a list.
 #pragma once
 
 // From now on the program's lists are tables whose editable cells are editable texts. Qt's own

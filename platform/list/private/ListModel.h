@@ -1,5 +1,4 @@
-// The rows of a list, and the Qt model through which a view reads them. For the platform's own
-// files.
+// The rows of a list, and the Qt model through which a view reads them.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// What the mouse and the keyboard do on a list. For the platform's own files.
+// What the mouse and the keyboard do on a list.
 //
 // One row at most is selected. A click on the editable cell of the selected row edits it, with all
 // of its text selected; so do F2 and Return on the selected row, and a typed character replaces the

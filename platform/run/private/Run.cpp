@@ -132,7 +132,7 @@ void Run::Drain() {
 void Run::Complete() {
     std::string lines;
     if (mSupervisor) {
-        if (mSupervisor->WasKilled()) lines += "quillstone-run was killed, so the run was ended\n";
+        if (mSupervisor->WasKilled()) lines += "quillstone-run was killed, which ended the run\n";
         // Neither a report nor an end of file: the supervisor itself hangs.
         auto left = mSupervisor->Unkilled();
         if (left.empty() && !mSupervisor->Hear()) left.push_back(mSupervisor->Process());

@@ -1,4 +1,4 @@
-// Qt's menu bar, built from the program's. For the platform's own files.
+// Qt's menu bar, built from the program's.
 #pragma once
 
 class QMenuBar;
