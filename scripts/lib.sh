@@ -28,6 +28,30 @@ need() {
     apt_install "${missing[@]}"
 }
 
+# step WHAT COMMAND...: says what is being done, and shows the command's output only if it fails.
+step() {
+    local what=$1 log
+    shift
+    log=$(mktemp)
+    echo "$what"
+    if ! "$@" >"$log" 2>&1; then
+        cat "$log"
+        rm -f "$log"
+        die "$what: $*"
+    fi
+    rm -f "$log"
+}
+
+# Builds a preset. On a terminal the build's progress is one line.
+build_preset() {
+    step "Configuring $1" cmake --preset "$1" ${CI:+-DQUILLSTONE_WERROR=ON}
+    if [[ -t 1 ]]; then
+        cmake --build --preset "$@"
+    else
+        step "Building $*" cmake --build --preset "$@"
+    fi
+}
+
 apt_install() {
     as_root env DEBIAN_FRONTEND=noninteractive apt-get install -qq -y --no-install-recommends \
         -o DPkg::Lock::Timeout=300 "$@" >/dev/null

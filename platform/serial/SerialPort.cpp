@@ -1,34 +1,84 @@
 #include "platform/serial/SerialPort.h"
 
+#ifdef __APPLE__
+
 #include <QSerialPortInfo>
-#include <algorithm>
 
 #include "platform/qt/QtText.h"
 
+std::string_view SerialPortPrefix() { return "/dev/cu."; }
+
+// Each device is there twice; the call-out one ("cu.") doesn't wait for a carrier.
+std::vector<std::string> MachinePortNames() {
+    std::vector<std::string> names;
+    for (const QSerialPortInfo& port : QSerialPortInfo::availablePorts())
+        if (port.portName().startsWith("cu.")) names.push_back(FromQt(port.portName().mid(3)));
+    return names;
+}
+
+#else
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <system_error>
+#include <tuple>
+
+namespace fs = std::filesystem;
+
 namespace {
 
-#ifdef Q_OS_MACOS
-constexpr auto kDevicePrefix = "/dev/cu.";
-// Each device is there twice; the call-out one ("cu.") doesn't wait for a carrier.
-bool Listed(const QSerialPortInfo& port) { return port.portName().startsWith("cu."); }
-std::string ListedName(const QSerialPortInfo& port) { return FromQt(port.portName().mid(3)); }
-#else
-constexpr auto kDevicePrefix = "/dev/";
-bool Listed(const QSerialPortInfo&) { return true; }
-std::string ListedName(const QSerialPortInfo& port) { return FromQt(port.portName()); }
-#endif
+// Ports that the kernel makes without a device behind them: Bluetooth, null modems, USB gadgets.
+bool NeedsNoDevice(std::string_view name) {
+    return name.starts_with("rfcomm") || name.starts_with("tnt") || name.starts_with("ttyGS");
+}
+
+// The mainboard's driver has more ports than the machine. Those have the type 0, "unknown".
+bool HasHardware(const fs::path& port) {
+    int type = 1;
+    std::ifstream(port / "type") >> type;
+    return type != 0;
+}
+
+// Whether a device above it has a USB vendor.
+bool IsOnUsb(const fs::path& port) {
+    std::error_code error;
+    for (fs::path device = fs::canonical(port / "device", error); device.has_relative_path();
+         device = device.parent_path())
+        if (fs::exists(device / "idVendor", error)) return true;
+    return false;
+}
 
 }  // namespace
 
-std::string_view SerialPortPrefix() { return kDevicePrefix; }
+std::string_view SerialPortPrefix() { return "/dev/"; }
 
+// Read from the kernel's list. Qt's list comes by libudev, which looks at every virtual console for
+// it and takes a third of the program's start.
 std::vector<std::string> MachinePortNames() {
-    auto ports = QSerialPortInfo::availablePorts();
-    // The board hangs on USB; the ports on the mainboard mostly lead nowhere.
-    std::stable_partition(ports.begin(), ports.end(),
-                          [](const QSerialPortInfo& port) { return port.hasVendorIdentifier(); });
+    struct Port {
+        bool onUsb;
+        std::string name;
+    };
+    std::vector<Port> ports;
+    std::error_code error;
+    for (fs::directory_iterator entry("/sys/class/tty", error), end; !error && entry != end;
+         entry.increment(error)) {
+        std::error_code none;
+        const fs::path port = entry->path();
+        std::string name = port.filename().string();
+        if ((fs::exists(port / "device", none) && HasHardware(port)) || NeedsNoDevice(name))
+            ports.push_back({IsOnUsb(port), std::move(name)});
+    }
+    // The board hangs on USB; the ports on the mainboard mostly lead nowhere. ttyUSB2 comes before
+    // ttyUSB10.
+    std::ranges::sort(ports, [](const Port& a, const Port& b) {
+        return std::tuple(!a.onUsb, a.name.size(), std::string_view(a.name)) <
+               std::tuple(!b.onUsb, b.name.size(), std::string_view(b.name));
+    });
     std::vector<std::string> names;
-    for (const QSerialPortInfo& port : ports)
-        if (Listed(port)) names.push_back(ListedName(port));
+    for (Port& port : ports) names.push_back(std::move(port.name));
     return names;
 }
+
+#endif
