@@ -77,6 +77,7 @@ std::vector<std::string> MachinePortNames() {
                std::tuple(!b.onUsb, b.name.size(), std::string_view(b.name));
     });
     std::vector<std::string> names;
+    names.reserve(ports.size());
     for (Port& port : ports) names.push_back(std::move(port.name));
     return names;
 }

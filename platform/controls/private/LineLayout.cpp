@@ -14,7 +14,9 @@ void LineLayout::Width(int width) {
     emit update();
 }
 
-QSizeF LineLayout::documentSize() const { return QSizeF(mWidth, document()->lineCount()); }
+QSizeF LineLayout::documentSize() const {
+    return {static_cast<qreal>(mWidth), static_cast<qreal>(document()->lineCount())};
+}
 
 QRectF LineLayout::blockBoundingRect(const QTextBlock& paragraph) const {
     if (paragraph.isValid() && paragraph.layout()->lineCount() == 0)

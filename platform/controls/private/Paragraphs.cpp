@@ -23,8 +23,7 @@ void InsertParagraph(QTextCursor& cursor, bool continues) {
 
 }  // namespace
 
-void InsertParagraphs(QTextCursor cursor, const QString& given) {
-    QString text = given;
+void InsertParagraphs(QTextCursor cursor, QString text) {
     if (text.contains(u'\r')) text.replace("\r\n", "\n").replace(u'\r', u'\n');
     cursor.beginEditBlock();
     cursor.removeSelectedText();
@@ -63,7 +62,8 @@ QString TextBetween(const QTextDocument& document, int from, int to) {
     QTextBlock block = document.findBlock(from).next();
     int format = -1;  // of the last block: comparing the index is faster than reading the format
     bool continues = false;
-    auto kept = text.begin();
+    QChar* const begin = text.data();
+    QChar* kept = begin;
     for (const QChar c : text) {
         if (c == QChar::ParagraphSeparator) {
             if (block.blockFormatIndex() != format) continues = Continues(block);
@@ -73,7 +73,7 @@ QString TextBetween(const QTextDocument& document, int from, int to) {
         }
         *kept++ = c == QChar::ParagraphSeparator || c == QChar::LineSeparator ? u'\n' : c;
     }
-    text.truncate(kept - text.begin());
+    text.truncate(kept - begin);
     return text;
 }
 

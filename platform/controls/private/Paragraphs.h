@@ -6,9 +6,9 @@
 // undo and redo bring back, and no line end stands for it in the text that is read or copied.
 #pragma once
 
+#include <QString>
 #include <QTextOption>
 
-class QString;
 class QTextBlock;
 class QTextCursor;
 class QTextDocument;
@@ -16,7 +16,7 @@ class QTextDocument;
 constexpr int kLongestParagraph = 8192;
 
 // Inserts text where the cursor stands, in place of what it has selected, as one step of undo.
-void InsertParagraphs(QTextCursor cursor, const QString& text);
+void InsertParagraphs(QTextCursor cursor, QString text);
 
 // Adds text at the end of the document.
 void AppendParagraphs(QTextDocument& document, const QString& text);
