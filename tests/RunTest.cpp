@@ -190,6 +190,7 @@ class RunTest : public QObject {
         opened.Start(
             "cat /proc/self/oom_score_adj; echo $$ $PPID $(ulimit -Sc) $(ulimit -Hc); "
             "setsid sh -c 'trap \"\" TERM HUP; sleep 999 & wait' & wait");
+        QTRY_COMPARE(opened.Shown().count('\n'), 2);
         QTRY_COMPARE(MarkedProcesses().size(), 3);
         const QStringList words = opened.Shown().simplified().split(' ');
         QFile adjustment("/proc/" + words.value(2) + "/oom_score_adj");

@@ -1,6 +1,8 @@
 #include "platform/controls/PopupMenu.h"
 
+#include <QAbstractItemView>
 #include <QComboBox>
+#include <QKeyEvent>
 #include <QSignalBlocker>
 #include <QWheelEvent>
 
@@ -9,13 +11,35 @@
 
 namespace {
 
+bool IsCtrlReturn(const QKeyEvent& event) {
+    return event.modifiers().testFlag(Qt::ControlModifier) &&
+           (event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter);
+}
+
 class ComboBox : public QComboBox {
   public:
     using QComboBox::QComboBox;
 
+    void showPopup() override {
+        QComboBox::showPopup();
+        view()->installEventFilter(this);
+    }
+
   protected:
     // While closed it leaves the wheel alone: a turn over it on the way elsewhere changes nothing.
     void wheelEvent(QWheelEvent* event) override { event->ignore(); }
+
+    // For the open list: with Ctrl, Return takes the row as it does alone, and then goes on to where
+    // it is a shortcut. Qt 6.4 does so by itself, Qt 6.8 doesn't.
+    bool eventFilter(QObject* object, QEvent* event) override {
+        if (event->type() != QEvent::ShortcutOverride ||
+            !IsCtrlReturn(static_cast<const QKeyEvent&>(*event)))
+            return QComboBox::eventFilter(object, event);
+        setCurrentIndex(view()->currentIndex().row());
+        hidePopup();
+        event->ignore();
+        return true;
+    }
 };
 
 QComboBox* Combo(const PopupMenu& popup) { return static_cast<QComboBox*>(popup.Native()); }
