@@ -25,8 +25,6 @@ class UploadTest : public QObject {
         row("keys in any case, a file twice", "CD,X\ncB,2400\nUp,a.bin,xyz\nup,b.bin\nup,a.bin,xyz",
             {"a.bin", "b.bin", "a.bin"}, {"xyz", "", "xyz"},
             "-cd X -cb 2400 -ca xyz -cf @/a.bin -ca xyz -cf @/a.bin");
-        row("Shift_JIS", "cd,\x83\x5C\nup,\x83\x65.bin,1", {"テ.bin"}, {"1"},
-            "-cd ソ -cb 115200 -ca 1 -cf '@/テ.bin'");
         row("a byte order mark, a zero byte",
             QByteArray("\xEF\xBB\xBFup,a.bin,1\nup,b.bin?,2\nup,c.bin,").replace('?', '\0'),
             {"a.bin", "c.bin"}, {"1", ""}, "-cd ck -cb 115200 -ca 1 -cf @/a.bin");

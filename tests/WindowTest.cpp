@@ -115,20 +115,6 @@ class WindowTest : public QObject {
             QCOMPARE(other->object(), opened.Widget<QObject>(qPrintable(label)));
     }
 
-    void Menus() {
-        const OpenedWindow opened;
-        QCOMPARE(opened.frame->windowTitle(), "Quillstone");
-        QString items;
-        for (const QAction* menu : opened.frame->findChild<QMenuBar*>()->actions()) {
-            items += menu->text() + ": ";
-            for (const QAction* item : menu->menu()->actions())
-                items += item->text() + ' ' + item->shortcut().toString() + ", ";
-        }
-        QCOMPARE(items,
-                 "ファイル: 終了 Ctrl+Q, 編集: 取り消す Ctrl+Z,  , カット Ctrl+X, コピー Ctrl+C, "
-                 "貼り付け Ctrl+V, 削除 ,  , すべてを選択 Ctrl+A, ");
-    }
-
     void EditMenu_data() {
         const auto row = Columns<QString>("control");
         row("the command", "InstallEF");

@@ -2,6 +2,8 @@
 
 #include <QTextBlock>
 #include <QTextLayout>
+#include <algorithm>
+#include <cmath>
 
 void LineLayout::Width(int width) {
     if (width == mWidth) return;
@@ -34,7 +36,7 @@ void LineLayout::LayOut(QTextBlock paragraph) {
         line.setLeadingIncluded(true);
         line.setLineWidth(mWidth - 2 * margin);
         line.setPosition(QPointF(margin, height));
-        height += line.height();
+        height += line.height() + std::min(0.0, std::ceil(line.leading()));
     }
     layout.endLayout();
     if (paragraph.lineCount() == layout.lineCount()) return;
