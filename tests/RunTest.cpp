@@ -245,7 +245,8 @@ class RunTest : public QObject {
         QCOMPARE(ended.si_pid, 0);
         for (const QString& process : held)
             ptrace(PTRACE_DETACH, process.toInt(), nullptr, nullptr);
-        QTRY_VERIFY(waitid(P_PID, supervisor, &ended, WEXITED | WNOHANG) == 0 && ended.si_pid != 0);
+        constexpr int kLook = WEXITED | WNOHANG | WNOWAIT;
+        QTRY_VERIFY(waitid(P_PID, supervisor, &ended, kLook) == 0 && ended.si_pid != 0);
     }
 };
 
