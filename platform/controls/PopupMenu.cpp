@@ -29,8 +29,8 @@ class ComboBox : public QComboBox {
     // While closed it leaves the wheel alone: a turn over it on the way elsewhere changes nothing.
     void wheelEvent(QWheelEvent* event) override { event->ignore(); }
 
-    // For the open list: with Ctrl, Return takes the row as it does alone, and then goes on to where
-    // it is a shortcut. Qt 6.4 does so by itself, Qt 6.8 doesn't.
+    // For the open list: with Ctrl, Return takes the row as it does alone, and then goes on to
+    // where it is a shortcut. Qt 6.4 does so by itself, Qt 6.8 doesn't.
     bool eventFilter(QObject* object, QEvent* event) override {
         if (event->type() != QEvent::ShortcutOverride ||
             !IsCtrlReturn(static_cast<const QKeyEvent&>(*event)))

@@ -26,7 +26,7 @@ struct TextArea::State : public QPlainTextEdit {
         document()->setDocumentMargin(3);
         setTabChangesFocus(true);
         setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-        document()->setDocumentLayout(mLines);
+        InstallLineLayout(*document());
         connect(this, &QPlainTextEdit::textChanged, this, [this] {
             if (mOwnChange) return;
             mSet.reset();
@@ -46,7 +46,7 @@ struct TextArea::State : public QPlainTextEdit {
         mOwnChange = true;
         mNewest.Restart();
         const QString text = ToQt(mSet->text);
-        setWordWrapMode(WrappingOf(text));
+        ChooseWrapping(text);
         if (text.size() <= kLongestParagraph) {
             setPlainText(text);
         } else {
@@ -94,7 +94,7 @@ struct TextArea::State : public QPlainTextEdit {
     void insertFromMimeData(const QMimeData* source) override {
         if (isReadOnly() || !source->hasText()) return;
         const QString text = source->text();
-        setWordWrapMode(WrappingOf(document()->toRawText() + text));
+        ChooseWrapping(document()->toRawText() + text);
         InsertParagraphs(textCursor(), text);
         ensureCursorVisible();
     }
@@ -111,7 +111,7 @@ struct TextArea::State : public QPlainTextEdit {
     void resizeEvent(QResizeEvent* event) override {
         const QScrollBar& bar = *verticalScrollBar();
         const bool atEnd = bar.value() == bar.maximum() && (bar.maximum() > 0 || isReadOnly());
-        mLines->Width(viewport()->width());
+        SetLineWidth(*document(), viewport()->width());
         // For another width the base class would have the layout of every paragraph allocated.
         QResizeEvent sameWidth(event->size(), {event->size().width(), event->oldSize().height()});
         QPlainTextEdit::resizeEvent(&sameWidth);
@@ -141,6 +141,11 @@ struct TextArea::State : public QPlainTextEdit {
     }
 
   private:
+    void ChooseWrapping(const QString& text) {
+        setWordWrapMode(HasVeryLongWord(text) ? QTextOption::WrapAnywhere
+                                              : QTextOption::WrapAtWordBoundaryOrAnywhere);
+    }
+
     // The same frame as a one-line field's, with its focus ring.
     void PaintFrame() {
         QPainter painter(this);
@@ -176,7 +181,6 @@ struct TextArea::State : public QPlainTextEdit {
     TextArea& mArea;
     std::optional<SetText> mSet = SetText{{}, true};
     bool mOwnChange = false;
-    LineLayout* const mLines = new LineLayout(document());  // owned by the document
     Announcer mAnnouncer{*this};
 };
 

@@ -1,4 +1,4 @@
-// What a screen reader is told of one-line fields. For the platform's own files.
+// What a screen reader is told of one-line fields.
 #pragma once
 
 // From now on each QLineEdit that the user can edit, in dialogs and lists too, has an accessible

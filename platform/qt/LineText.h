@@ -1,4 +1,4 @@
-// The text of one line, as a screen reader reads and edits it. For the platform's own files.
+// The text of one line, as a screen reader reads and edits it.
 #pragma once
 
 #include <QAccessible>

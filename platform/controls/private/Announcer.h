@@ -2,25 +2,22 @@
 // text too, but a screen reader may ignore those of a widget without the focus.
 #pragma once
 
-#include <QBasicTimer>
-#include <QObject>
-#include <QString>
+#include <memory>
 
+class QString;
 class QWidget;
 
-class Announcer : public QObject {
+class Announcer {
   public:
-    explicit Announcer(QWidget& widget) : mWidget(widget) {}
+    explicit Announcer(QWidget& widget);
+    ~Announcer();
 
     // Of much text its last line, and no more than one line in a second. Before Qt 6.8 there are no
     // announcements.
     void Announce(const QString& text);
 
-  protected:
-    void timerEvent(QTimerEvent* event) override;
-
   private:
-    QWidget& mWidget;
-    QBasicTimer mTimer;
-    QString mLine;
+    class Line;
+
+    const std::unique_ptr<Line> mLine;
 };

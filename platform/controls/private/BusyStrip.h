@@ -1,30 +1,27 @@
 // A thin strip that moves at the upper edge of a widget while something goes on.
 #pragma once
 
-#include <QBasicTimer>
-#include <QElapsedTimer>
-#include <QObject>
+#include <memory>
 
 class QPainter;
 class QWidget;
 
-class BusyStrip : public QObject {
+class BusyStrip {
   public:
     static constexpr int kHeight = 3;
 
-    explicit BusyStrip(QWidget& widget) : mWidget(widget) {}
+    explicit BusyStrip(QWidget& widget);
+    ~BusyStrip();
 
     void Busy(bool busy);
-    bool IsBusy() const { return mSince.isValid(); }
+    bool IsBusy() const { return mMoving != nullptr; }
 
     // For the widget's paint event. Paints nothing while idle.
     void Paint(QPainter& painter) const;
 
-  protected:
-    void timerEvent(QTimerEvent* event) override;
-
   private:
+    class Moving;
+
     QWidget& mWidget;
-    QElapsedTimer mSince;  // valid while busy
-    QBasicTimer mTimer;
+    std::unique_ptr<Moving> mMoving;  // while busy
 };

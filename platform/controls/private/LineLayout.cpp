@@ -1,9 +1,31 @@
 #include "platform/controls/private/LineLayout.h"
 
+#include <QPlainTextDocumentLayout>
 #include <QTextBlock>
 #include <QTextLayout>
 #include <algorithm>
 #include <cmath>
+
+namespace {
+
+class LineLayout : public QPlainTextDocumentLayout {
+  public:
+    using QPlainTextDocumentLayout::QPlainTextDocumentLayout;
+
+    void Width(int width);
+
+    QSizeF documentSize() const override;
+    QRectF blockBoundingRect(const QTextBlock& paragraph) const override;
+
+  protected:
+    void documentChanged(int from, int removed, int added) override;
+
+  private:
+    void LayOut(QTextBlock paragraph);
+
+    int mWidth = 0;           // the base class's own isn't used
+    bool mTellsSize = false;  // those who are told ask for more paragraphs
+};
 
 void LineLayout::Width(int width) {
     if (width == mWidth) return;
@@ -57,4 +79,14 @@ void LineLayout::documentChanged(int from, int removed, int added) {
     }
     emit documentSizeChanged(documentSize());
     emit update(QRectF(0, -document()->documentMargin(), 1e9, 1e9));
+}
+
+}  // namespace
+
+void InstallLineLayout(QTextDocument& document) {
+    document.setDocumentLayout(new LineLayout(&document));
+}
+
+void SetLineWidth(QTextDocument& document, int width) {
+    static_cast<LineLayout*>(document.documentLayout())->Width(width);
 }

@@ -26,6 +26,6 @@ void NewestOutput::Keep(QTextDocument& document) {
     cursor.setPosition(first.position() - 1);
     cursor.setPosition(0, QTextCursor::KeepAnchor);
     cursor.insertText(QStringLiteral("[%1 earlier lines, %2 characters, are no longer shown]")
-                          .arg(mLinesGone)
-                          .arg(mCharactersGone));
+                          .arg(qint64{mLinesGone})
+                          .arg(qint64{mCharactersGone}));
 }

@@ -2,7 +2,7 @@
 // at the top then says how much is gone.
 #pragma once
 
-#include <QtGlobal>
+#include <cstdint>
 
 class QTextDocument;
 
@@ -20,5 +20,5 @@ class NewestOutput {
     int MostCharacters = 50'000'000;
 
   private:
-    qint64 mLinesGone = 0, mCharactersGone = 0;
+    std::int64_t mLinesGone = 0, mCharactersGone = 0;
 };

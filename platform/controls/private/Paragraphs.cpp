@@ -88,13 +88,11 @@ void BeginLine(QTextCursor cursor) {
     cursor.endEditBlock();
 }
 
-QTextOption::WrapMode WrappingOf(const QString& text) {
-    qsizetype longest = 0;
+bool HasVeryLongWord(const QString& text) {
     qsizetype length = 0;
     for (const QChar c : text) {
         length = c.isSpace() ? 0 : length + 1;
-        longest = std::max(longest, length);
+        if (length > kLongestParagraph) return true;
     }
-    return longest > kLongestParagraph ? QTextOption::WrapAnywhere
-                                       : QTextOption::WrapAtWordBoundaryOrAnywhere;
+    return false;
 }

@@ -6,9 +6,7 @@
 // undo and redo bring back, and no line end stands for it in the text that is read or copied.
 #pragma once
 
-#include <QString>
-#include <QTextOption>
-
+class QString;
 class QTextBlock;
 class QTextCursor;
 class QTextDocument;
@@ -30,6 +28,6 @@ bool EndsLine(const QTextBlock& paragraph);
 // Makes the cursor's paragraph the beginning of a line. Part of the last step of undo.
 void BeginLine(QTextCursor cursor);
 
-// Between words where it can be: to look for a place in a very long word takes Qt time by the
-// square of its length.
-QTextOption::WrapMode WrappingOf(const QString& text);
+// Whether a word is so long that its lines should break anywhere: to look for a better place in it
+// takes Qt time by the square of its length.
+bool HasVeryLongWord(const QString& text);

@@ -35,7 +35,7 @@ class TableAccess : public QAccessibleWidget, public QAccessibleTableInterface {
     }
     QAccessibleInterface* focusChild() const override { return CellOf(mView.currentIndex()); }
     int indexOfChild(const QAccessibleInterface* child) const override {
-        const auto* cell = dynamic_cast<const CellAccess*>(child);
+        const auto* cell = dynamic_cast<const QAccessibleTableCellInterface*>(child);
         return cell ? IndexOf(cell->rowIndex(), cell->columnIndex()) : -1;
     }
 
@@ -97,7 +97,7 @@ QAccessibleInterface* TableAccess::child(int index) const {
     if (const auto known = mCells.constFind(index); known != mCells.constEnd())
         return QAccessible::accessibleInterface(*known);
     const int columns = columnCount() + 1;
-    auto* cell = new CellAccess(mView, index / columns - 1, index % columns - 1);
+    auto* cell = NewCellAccess(mView, index / columns - 1, index % columns - 1);
     mCells.insert(index, QAccessible::registerAccessibleInterface(cell));
     return cell;
 }
