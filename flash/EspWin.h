@@ -40,6 +40,7 @@ class EspWin : public Window {
     Label& Label2() const { return ControlNamed<Label>("Label2"); }
     Label& Label3() const { return ControlNamed<Label>("Label3"); }
     PushButton& SelectPB() const { return ControlNamed<PushButton>("SelectPB"); }
+    // Runs the command. The control bears the tool's name.
     Shell& esptool() const { return ControlNamed<Shell>("esptool"); }
     TextArea& EspToolEF() const { return ControlNamed<TextArea>("EspToolEF"); }
     Label& Label5() const { return ControlNamed<Label>("Label5"); }
