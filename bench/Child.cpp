@@ -24,9 +24,9 @@
 #include "bench/Measuring.h"
 #include "bench/Median.h"
 #include "bench/PlainWindow.h"
-#include "frame/App.h"
-#include "frame/FileTypes1.h"
-#include "frame/MainMenuBar.h"
+#include "frame/Startup.h"
+#include "platform/application/Application.h"
+#include "platform/qt/ControlWidget.h"
 
 namespace {
 
@@ -107,7 +107,7 @@ class FloodWatch : public TurnWatch {
 void Flood(const Arguments& arguments) {
     const auto window = EspWin::Instance();
     QApplication::processEvents();  // the window is painted first
-    auto* watch = new FloodWatch(*static_cast<QPlainTextEdit*>(window->rEF().Native()));
+    auto* watch = new FloodWatch(WidgetOf<QPlainTextEdit>(window->rEF()));
     Shell& shell = window->esptool();
     shell.Completed = [=, handler = shell.Completed](Shell& sender) {
         handler(sender);
@@ -255,11 +255,7 @@ int main(int count, char** words) {
     const auto mode = kModes.find(count > 1 ? words[1] : "");
     if (mode == kModes.end()) return 2;
     qInstallMessageHandler(LeaveOutSizeHints);
-    SetSupportsHiDPI(true);
-    FileTypes1::Initialize();
-    auto app = std::make_shared<App>();
-    app->MenuBar(MainMenuBar::Instance());
-    RegisterApplication(std::move(app));
+    EarlyStartup();
     InitializeFramework([&] { mode->second(arguments); });
     RunEventLoop();
     const int code = EndFramework();

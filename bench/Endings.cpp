@@ -12,6 +12,7 @@
 
 #include "bench/Median.h"
 #include "platform/application/Application.h"
+#include "platform/qt/ControlWidget.h"
 #include "platform/run/private/Processes.h"
 
 // A run of 200 processes that ignore what asks them to end; calls `running` when all are there.
@@ -50,7 +51,7 @@ void StopBare(const Arguments&) {
 static void CloseWindow() {
     QTimer::singleShot(0, qApp, [] {
         SinceClose().start();
-        EspWin::Instance()->StartPB().Native()->window()->close();
+        WidgetOf(EspWin::Instance()->StartPB()).window()->close();
     });
 }
 

@@ -13,7 +13,8 @@
 #include "platform/controls/Label.h"
 #include "platform/controls/PopupMenu.h"
 #include "platform/controls/PushButton.h"
-#include "platform/controls/TextEdit.h"
+#include "platform/controls/TextArea.h"
+#include "platform/controls/TextField.h"
 #include "platform/files/FolderItem.h"
 #include "platform/list/Graphics.h"
 #include "platform/list/Listbox.h"
@@ -25,13 +26,13 @@ class EspWin : public Window {
   public:
     EspWin();
 
-    // The one live window; creates and shows it at the first call.
+    // Returns the one live window. The first call creates it and shows it.
     static std::shared_ptr<EspWin> Instance();
 
     void Layout();
     void CreateControls();
 
-    // Each control, by its name, in the order of creation.
+    // The controls by their names, in the order of creation.
     PopupMenu& tooltypePM() const { return ControlNamed<PopupMenu>("tooltypePM"); }
     Label& Label1() const { return ControlNamed<Label>("Label1"); }
     PushButton& StartPB() const { return ControlNamed<PushButton>("StartPB"); }
@@ -40,7 +41,7 @@ class EspWin : public Window {
     Label& Label2() const { return ControlNamed<Label>("Label2"); }
     Label& Label3() const { return ControlNamed<Label>("Label3"); }
     PushButton& SelectPB() const { return ControlNamed<PushButton>("SelectPB"); }
-    // Runs the command. The control bears the tool's name.
+    // Runs the command.
     Shell& esptool() const { return ControlNamed<Shell>("esptool"); }
     TextArea& EspToolEF() const { return ControlNamed<TextArea>("EspToolEF"); }
     Label& Label5() const { return ControlNamed<Label>("Label5"); }
@@ -109,36 +110,36 @@ class EspWin : public Window {
     void MemoPortInfo(const std::string& port);
     void MakeSerialPortPopupMenu();
 
-    // Whether the connection was open when the last run began.
+    // The connection was open when the last run began.
     bool termConnected = false;
     // The tool of the type "esptool.py"; mEspToolCk is that of "esptool-ck". Nothing sets them yet.
     std::string mEspToolPy;
-    // The one of the two whose type is selected. Not used yet: the command takes mEspToolApp.
+    // The tool of the selected type. Nothing reads it yet: the command takes mEspToolApp.
     std::string mEspTool;
     bool mConnected = false;
     // The ports connected last, most recent first.
     std::array<std::string, 6> mPortName;
-    // BaudPM's text at the last connection.
+    // The text of BaudPM at the last connection.
     std::string mLastBaudRate = "115200";
-    // Not used yet are bits, parity and stop: the port is always opened with 8N1. DTR and RTS are
-    // the states that the two lines get when it is opened.
+    // Nothing uses bits, parity and stop yet: the port is always opened with 8N1. DTR and RTS are
+    // the states that the two lines get when the port is opened.
     std::int64_t mSerialBits = 0;
     bool mSerialDTR = false;
     std::int64_t mSerialParity = 0;
     bool mSerialRTS = false;
     std::int64_t mSerialStop = 0;
-    // tooltypePM's row: 0 "esptool.py", 1 "esptool-ck".
+    // The row of tooltypePM: 0 is "esptool.py", 1 is "esptool-ck".
     std::int64_t mEspToolUse = 1;
     FolderItemRef mEspToolCk;
     // The tool that the command names; nullptr while there is none.
     FolderItemRef mEspToolApp;
 
   private:
-    static constexpr std::string_view kStopKeys = "Cmd+.";  // end a running tool
+    static constexpr std::string_view kStopKeys = "Cmd+.";  // stop a run
 
     void ShowBusy(bool busy);
 
-    // An event's handler: that method of this window.
+    // Makes a handler of an event out of a method of this window.
     template <class Result, class... Arguments>
     std::function<Result(Arguments...)> On(Result (EspWin::*method)(Arguments...)) {
         return [this, method](Arguments... arguments) { return (this->*method)(arguments...); };

@@ -3,12 +3,12 @@
 
 namespace {
 
-// For ScrollPosition: a line that most outputs don't reach, so the end comes into view.
-constexpr std::int64_t kOutputEnd = 10000;
+// Beyond the end of most outputs, so the view follows the end. After 10,000 lines it stays there.
+constexpr std::int64_t kFollowUntilLine = 10000;
 
 void ShowOutput(Shell& shell, TextArea& pane) {
     pane.AppendText(DefineEncoding(shell.ReadAll(), Encodings::UTF8));
-    pane.ScrollPosition(kOutputEnd);
+    pane.ScrollPosition(kFollowUntilLine);
 }
 
 }  // namespace

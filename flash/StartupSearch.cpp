@@ -25,16 +25,16 @@ FolderItemRef FindBinFolder() {
 
 void EspWin::Event_Open() {
     FolderItemRef tool = ExistingChild(ExistingChild(GetFolderItem("", 0), "esptool"), "esptool");
-    // A clone of the official tool has a folder there.
+    // In a clone of the official tool's repository this is a folder.
     if (tool && !tool->IsFile()) tool = nullptr;
     EspToolEF().Text("");
     mEspToolApp = tool;
     if (tool) EspToolEF().Text(tool->NativePath());
 
-    // The nearest folder named bin ends the search, even if the file isn't in it.
+    // The search ends at the nearest folder named bin, even if the file isn't in it.
     if (const FolderItemRef bin = FindBinFolder())
         SetInstallSetting(ExistingChild(bin, "installsetting.csv"));
 }
 
-// A running tool and an open port end with the program.
+// The end of the program also ends a running tool and closes an open port.
 void EspWin::Event_Close() { Quit(0); }

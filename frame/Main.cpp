@@ -1,32 +1,8 @@
-// The entry point: the steps of the start. An exception from one of them skips the rest.
-#include "flash/EspWin.h"
-#include "frame/App.h"
-#include "frame/FileTypes1.h"
-#include "frame/MainMenuBar.h"
+// The entry point. An exception from a step of the start skips the other steps.
+#include "frame/Startup.h"
+#include "platform/application/Application.h"
 
 namespace {
-
-void InitFileTypes() { FileTypes1::Initialize(); }
-
-// The application has no menu handlers of its own: the platform supplies what the items do.
-void ApplicationAddMenuHandlers() {}
-
-void NewAppInstance() {
-    auto app = std::make_shared<App>();
-    app->MenuBar(MainMenuBar::Instance());
-    RegisterApplication(std::move(app));
-}
-
-void EarlyStartup() {
-    SetSupportsHiDPI(true);
-    InitFileTypes();
-    NewAppInstance();
-    ApplicationAddMenuHandlers();
-}
-
-void MakeDefaultView() { EspWin::Instance(); }
-
-void LateStartup() { MakeDefaultView(); }
 
 void Main() {
     try {

@@ -20,8 +20,8 @@ std::shared_ptr<MenuItem> Item(std::string_view name, std::string_view text,
 }  // namespace
 
 MainMenuBar::MainMenuBar() {
-    Untitled0();
-    Untitled1();
+    AddFileMenu();
+    AddEditMenu();
 }
 
 std::shared_ptr<MainMenuBar> MainMenuBar::Instance() {
@@ -29,13 +29,13 @@ std::shared_ptr<MainMenuBar> MainMenuBar::Instance() {
     return instance;
 }
 
-void MainMenuBar::Untitled0() {
+void MainMenuBar::AddFileMenu() {
     Append(Item("FileMenu", "ファイル"));
     Child("FileMenu")
         ->Append(Described(std::make_shared<QuitMenuItem>(), "FileQuit", "終了", "Cmd+Q"));
 }
 
-void MainMenuBar::Untitled1() {
+void MainMenuBar::AddEditMenu() {
     Append(Item("EditMenu", "編集"));
     const auto menu = Child("EditMenu");
     menu->Append(Item("EditUndo", "取り消す", "Cmd+Z"));

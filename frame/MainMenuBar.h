@@ -8,10 +8,10 @@ class MainMenuBar : public MenuBar {
   public:
     MainMenuBar();
 
-    // The one instance, created at the first call.
+    // Returns the one instance. The first call creates it.
     static std::shared_ptr<MainMenuBar> Instance();
 
   private:
-    void Untitled0();  // ファイル
-    void Untitled1();  // 編集
+    void AddFileMenu();
+    void AddEditMenu();
 };

@@ -1,12 +1,13 @@
 // The window's content: one paragraph for each control, in the order of creation. A place is left,
-// top, width, height, locks, tab index and text size. Eleven controls stand above or left of the
-// window on purpose. All of these but Label8 are in the tab order; data bits, parity and stop bits
-// have no effect yet.
+// top, width, height, locks, tab index and text size. The tab indexes have gaps: 9 and 22 belong to
+// the two members without a visual form, and nothing has 7 and 25. Eleven controls stand above or
+// left of the window on purpose. All of these but Label8 are in the tab order; data bits, parity
+// and stop bits have no effect yet.
 #include <initializer_list>
 #include <string_view>
 
 #include "flash/EspWin.h"
-#include "frame/Module1.h"
+#include "frame/Captions.h"
 
 namespace {
 
@@ -25,7 +26,7 @@ void Fill(PopupMenu& popup, std::initializer_list<std::string_view> rows, std::i
 
 }  // namespace
 
-// A control's handlers come last in its paragraph: setting the start values runs none.
+// The handlers of a control come last in its paragraph, so that setting its start values runs none.
 void EspWin::CreateControls() {
     auto& toolType = Add<PopupMenu>("tooltypePM", {30, -143, 107, 20, kLeftTop, 0, 11});
     toolType.AccessibleName("Tool type");
@@ -183,7 +184,7 @@ void EspWin::CreateControls() {
 
     Open = On(&EspWin::Event_Open);
     Close = On(&EspWin::Event_Close);
-    // Ends a running tool that would never end by itself.
+    // A tool may hang, and no button stops it.
     OnKeys(kStopKeys, [this] { esptool().Stop(); });
     for (const auto* keys : {"Cmd+Return", "Cmd+Enter"})  // Enter is the number pad's
         OnKeys(keys, [this] { StartPB().Press(); });

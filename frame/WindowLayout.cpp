@@ -1,6 +1,6 @@
 #include "flash/EspWin.h"
 
-// The window's own properties. frame/WindowControls.cpp has what is in it.
+// The properties of the window itself. WindowControls.cpp makes its content.
 void EspWin::Layout() {
     Title("Quillstone");
     Width(512);

@@ -6,6 +6,10 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck disable=SC2034 # used by those that source this
 fonts=(fonts-dejavu-core fonts-vlgothic)
 
+# The folders with the program's logic, as CMakeLists.txt lists them.
+# shellcheck disable=SC2034 # likewise
+read -ra logic_folders < <(sed -n 's/^set(logic_folders \(.*\))$/\1/p' CMakeLists.txt)
+
 # Installs those of the named Debian packages that are missing. A machine that has them all needs
 # neither network nor root; one without apt or sudo is only told what the scripts count on.
 need() {

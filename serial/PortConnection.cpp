@@ -1,8 +1,8 @@
-// The connection: a toggle on mConnected. ConnectPB's caption follows it.
+// The connection. mConnected says whether it is open, and the caption of ConnectPB follows.
 #include <algorithm>
 
 #include "flash/EspWin.h"
-#include "frame/Module1.h"
+#include "frame/Captions.h"
 #include "platform/application/System.h"
 #include "platform/text/Text.h"
 
@@ -14,13 +14,13 @@ void EspWin::BaudPM_Open(PopupMenu& sender) {
     }
 }
 
-// The command never shows another speed than the popup.
+// The command always shows the speed of the popup.
 void EspWin::BaudPM_Change(PopupMenu&) { MakeCommand(); }
 
 void EspWin::ConnectPB_Action(PushButton&) { DoConnect(""); }
 
-// Opens `port`, or the port that PortPM shows if `port` is empty. If a port is open, closes that
-// one instead, whatever `port` is.
+// Closes the open port if there is one, whatever `port` is. Otherwise opens `port`, or the port
+// that PortPM shows if `port` is empty.
 void EspWin::DoConnect(std::string port) {
     if (mConnected) {
         RbPortClose();
@@ -38,7 +38,7 @@ void EspWin::DoConnect(std::string port) {
     MemoPortInfo(port);
 }
 
-// The ports are looked up afresh: PortPM's rows are as old as the last scan.
+// Looks the ports up again, since the rows of PortPM are as old as the last scan.
 bool EspWin::RbPortOpen(const std::string& port) {
     if (mConnected) return true;
     const std::int64_t count = System().SerialPortCount();
@@ -62,7 +62,7 @@ bool EspWin::RbPortOpen(const std::string& port) {
     return false;
 }
 
-// Called between a port's settings and its opening. Does nothing yet.
+// A hook between the settings of a port and its opening. Nothing needs it yet.
 void EspWin::RbPortOpenPre() {}
 
 // DoConnect clears mConnected.
@@ -72,7 +72,7 @@ void EspWin::RbPortClose() {
     ConnectPB().Caption(Module1::kConnect(""));
 }
 
-// A name that is already further down stays there too: it is then remembered twice.
+// A name that stands further down already stays there, so it is remembered twice.
 void EspWin::MemoPortInfo(const std::string& port) {
     if (!Equal(port, mPortName[0])) {
         std::shift_right(mPortName.begin(), mPortName.end(), 1);

@@ -2,7 +2,7 @@
 #include <vector>
 
 #include "flash/EspWin.h"
-#include "frame/Module1.h"
+#include "frame/Captions.h"
 #include "platform/application/System.h"
 #include "platform/text/Text.h"
 
@@ -10,15 +10,14 @@ void EspWin::PortPM_Open(PopupMenu&) { MakeSerialPortPopupMenu(); }
 
 void EspWin::ScanBtn_Action(PushButton&) { MakeSerialPortPopupMenu(); }
 
-// Another choice takes effect at the next connect; an open port stays as it is.
+// An open port stays as it is. The new choice takes effect at the next connect.
 void EspWin::PortPM_Change(PopupMenu&) {
     ConnectPB().Caption(mConnected ? Module1::kDisconnect("") : Module1::kConnect(""));
     MakeCommand();
 }
 
 // Selects the port that was connected last. A remembered port on the first row doesn't end the
-// search: that row is selected already, and an older port further down may still be the better
-// choice.
+// search: that row is selected already, and an older port further down may be the better choice.
 void EspWin::MakeSerialPortPopupMenu() {
     PopupMenu& ports = PortPM();
     ports.DeleteAllRows();

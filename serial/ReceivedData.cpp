@@ -1,6 +1,6 @@
 #include "flash/EspWin.h"
 
-// Read and thrown away, so that the device never has to wait for us.
+// The window reads what the device sends and throws it away, so that the device never has to wait.
 void EspWin::MySerial_DataAvailable(Serial& sender) {
     sender.ReadAll(Encodings::ASCII);
     sender.Flush();

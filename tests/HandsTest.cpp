@@ -1,8 +1,15 @@
 // The window in the user's hands: keyboard, mouse, wheel, drops, keys that are held down.
+#include <QAccessible>
+#include <QClipboard>
 #include <QComboBox>
 #include <QDragEnterEvent>
+#include <QLineEdit>
+#include <QMenuBar>
 #include <QMimeData>
+#include <QPlainTextEdit>
 #include <QTableView>
+#include <QTextBlock>
+#include <QTextLayout>
 #include <QWheelEvent>
 
 #include "Testing.h"
@@ -26,6 +33,21 @@ struct WholeJob : JobFolder, OpenedWindow {
     qint64 Runs() const { return QFileInfo(Path("esptool/esptool.runs")).size(); }
 };
 
+// What a user does while an address is edited.
+using Way = std::function<void(const WholeJob&)>;
+
+void TapAlt() {
+    QTest::keyPress(TakesKeys(), Qt::Key_Alt, Qt::AltModifier);
+    QTest::keyRelease(TakesKeys(), Qt::Key_Alt);
+}
+void OpenMenu(const WholeJob& job) {
+    auto* bar = job.frame->findChild<QMenuBar*>();
+    const QPoint place = bar->actionGeometry(bar->actions()[1]).center();
+    QTest::mouseClick(bar, Qt::LeftButton, {}, place);
+    QVERIFY(QApplication::activePopupWidget());
+}
+void PressStart() { Key(Qt::Key_Return, Qt::ControlModifier); }
+
 bool TakesAFile(QWidget* widget) {
     QMimeData dragged;
     dragged.setUrls({QUrl("file:///tmp/a.bin")});
@@ -36,6 +58,8 @@ bool TakesAFile(QWidget* widget) {
 }
 
 }  // namespace
+
+Q_DECLARE_METATYPE(Way)
 
 class HandsTest : public QObject {
     Q_OBJECT
@@ -71,6 +95,9 @@ class HandsTest : public QObject {
         const WholeJob job;
         QCOMPARE(job.Focus(), "rEF");  // where no key changes anything
         const std::string command = job.window.InstallEF().Text();
+        QInputMethodEvent committed;
+        committed.setCommitString("x");
+        QCoreApplication::sendEvent(QApplication::focusWidget(), &committed);
         Press({Qt::Key_Up, Qt::Key_E, Qt::Key_Space, Qt::Key_Delete, Qt::Key_Backtab});
         QCOMPARE(job.window.rEF().Text(), "Install ....");
         QCOMPARE(job.window.InstallEF().Text(), command);
@@ -180,6 +207,139 @@ class HandsTest : public QObject {
             QTRY_COMPARE(job.Focus(), in);
         }
         QCOMPARE(job.Runs(), 2);
+    }
+
+    // What stands in the cell is what Start runs, whatever came between.
+    void AnEditIsTakenOver_data() {
+        QTest::addColumn<Way>("way");
+        const auto row = [](const char* what, const Way& way) { QTest::newRow(what) << way; };
+        row("the menu by mouse, Escape, a click on Start", [](const WholeJob& job) {
+            OpenMenu(job);
+            Key(Qt::Key_Escape);
+            job.Click("StartPB");
+        });
+        row("Alt, a click on Start", [](const WholeJob& job) {
+            TapAlt();
+            job.Click("StartPB");
+        });
+        row("Alt, Ctrl+Return", [](const WholeJob&) {
+            TapAlt();
+            PressStart();
+        });
+        row("the menu, Escape, a click into Reset, Ctrl+Return", [](const WholeJob& job) {
+            OpenMenu(job);
+            Key(Qt::Key_Escape);
+            job.Click("ResetEF");
+            QCOMPARE(job.window.ulb().Cell(0, 1), "0xA2");  // no editor stays open behind it
+            Key(Qt::Key_End);
+            PressStart();
+        });
+        row("the menu, Start by a screen reader", [](const WholeJob& job) {
+            OpenMenu(job);
+            auto* start = QAccessible::queryAccessibleInterface(job.Widget<QWidget>("StartPB"));
+            start->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+        });
+        row("Alt, a choice of the speed by a screen reader, Ctrl+Return", [](const WholeJob& job) {
+            TapAlt();
+            job.Widget<QComboBox>("BaudPM")->setCurrentIndex(11);
+            QCOMPARE(job.window.ulb().Cell(0, 1), "0xA2");
+            PressStart();
+        });
+        row("Alt, Escape, Return, a click on Start", [](const WholeJob& job) {
+            TapAlt();
+            Press({Qt::Key_Escape, Qt::Key_Return});
+            job.Click("StartPB");
+        });
+    }
+    void AnEditIsTakenOver() {
+        QFETCH(const Way, way);
+        const WholeJob job;
+        job.TabTo("ulb");
+        Press({Qt::Key_Down, Qt::Key_F2});
+        Type("0xA2");
+        way(job);
+        QTRY_COMPARE(job.Runs(), 1);
+        QVERIFY(job.Arguments().contains("<-ca><0xA2>"));
+        QCOMPARE(job.window.ulb().Cell(0, 1), "0xA2");
+    }
+
+    // A line end that comes in becomes a blank.
+    void AFieldStaysOneLine_data() {
+        QTest::addColumn<Way>("way");
+        const auto row = [](const char* what, const Way& way) { QTest::newRow(what) << way; };
+        row("by keys", [](const WholeJob&) { Key(Qt::Key_V, Qt::ControlModifier); });
+        row("by the menu",
+            [](const WholeJob& job) { job.frame->findChild<QAction*>("EditPaste")->trigger(); });
+        row("by a drop", [](const WholeJob&) {
+            QMimeData dragged;
+            dragged.setText(QApplication::clipboard()->text());
+            QDragEnterEvent enter({2, 2}, Qt::CopyAction, &dragged, Qt::LeftButton, {});
+            QDropEvent drop({2, 2}, Qt::CopyAction, &dragged, Qt::LeftButton, {});
+            Key(Qt::Key_Delete);
+            QCoreApplication::sendEvent(QApplication::focusWidget(), &enter);
+            QCoreApplication::sendEvent(QApplication::focusWidget(), &drop);
+        });
+        row("by an input method", [](const WholeJob&) {
+            QInputMethodEvent event;
+            event.setCommitString(QApplication::clipboard()->text());
+            QCoreApplication::sendEvent(QApplication::focusWidget(), &event);
+        });
+        row("by a screen reader", [](const WholeJob&) {
+            auto* text = QAccessible::queryAccessibleInterface(QApplication::focusWidget());
+            text->editableTextInterface()->replaceText(0, -1, QApplication::clipboard()->text());
+        });
+    }
+    void AFieldStaysOneLine() {
+        QFETCH(const Way, way);
+        const WholeJob job;
+        QApplication::clipboard()->setText("a\r\nb\n");
+        job.TabTo("ResetEF");
+        for (const bool inList : {false, true}) {
+            if (inList) job.TabTo("ulb");
+            if (inList) Press({Qt::Key_Down, Qt::Key_F2});
+            Key(Qt::Key_A, Qt::ControlModifier);
+            way(job);
+            QCOMPARE(static_cast<QLineEdit*>(QApplication::focusWidget())->text(), "a b ");
+            Key(Qt::Key_Z, Qt::ControlModifier);
+            QVERIFY(static_cast<QLineEdit*>(QApplication::focusWidget())->text() != "a b ");
+            Key(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+        }
+        PressStart();
+        QVERIFY(job.Arguments().startsWith("<-cd><a><b>"));
+    }
+
+    // A key that comes while an input method is composing.
+    void AKeyEndsAComposition_data() {
+        const auto row =
+            Columns<QString, QString, QKeyCombination, QString>("in", "committed", "key", "text");
+        row("Down in the command", "InstallEF", "", Qt::Key_Down, "bca");
+        row("Page Down in the command", "InstallEF", "", Qt::Key_PageDown, "bca");
+        row("Shift+Down in the command", "InstallEF", "", Qt::SHIFT | Qt::Key_Down, "bca");
+        row("Shift alone in the command", "InstallEF", "", Qt::Key_Shift, "a");
+        row("Up behind a line end", "InstallEF", "\nz", Qt::Key_Up, "\nzbca");
+        row("Ctrl+Right in Reset", "ResetEF", "", Qt::CTRL | Qt::Key_Right, "bca");
+    }
+    void AKeyEndsAComposition() {
+        const auto [in, committed, key, text] =
+            Row<QString, QString, QKeyCombination, QString>("in", "committed", "key", "text");
+        const WholeJob job;
+        job.TabTo(in);
+        QWidget* field = QApplication::focusWidget();
+        Press({Qt::CTRL | Qt::Key_A, Qt::Key_A, Qt::Key_Left});
+        for (const char* composed : {"b", "bc"}) {
+            QInputMethodEvent event(composed, {});
+            if (QString("bc") == composed) event.setCommitString(committed);
+            QCoreApplication::sendEvent(field, &event);
+        }
+        Press({key});
+        const auto* area = qobject_cast<QPlainTextEdit*>(field);
+        const auto* line = qobject_cast<QLineEdit*>(field);
+        const QString whole = area ? area->toPlainText() : line->text();
+        QCOMPARE(whole, text);
+        if (area)
+            QVERIFY(area->document()->begin().layout()->preeditAreaText().isEmpty() !=
+                    (text == "a"));
+        QVERIFY((area ? area->textCursor().position() : line->cursorPosition()) <= whole.size());
     }
 
     void NothingTakesAFile() {

@@ -2,9 +2,11 @@
 #include <unistd.h>
 
 #include <QAccessible>
+#include <QClipboard>
+#include <QMenuBar>
 #include <QSignalSpy>
 
-#include "ImageJob.h"
+#include "LoadedWindow.h"
 
 class ListTest : public QObject {
     Q_OBJECT
@@ -18,7 +20,7 @@ class ListTest : public QObject {
         row("at once, on another row", false, 0);
     }
     void TypingAfterAClick() {
-        const Job job;
+        const LoadedWindow job;
         const auto [selected, wait] = Row<bool, int>("selected", "wait");
         if (selected) job.Click(1, 0);
         job.Click(1, 1);
@@ -39,7 +41,7 @@ class ListTest : public QObject {
         row("Return and Shift+Tab", Qt::Key_Return, Qt::Key_Backtab, "new", "SelectESPPB");
     }
     void EditInPlace() {
-        const Job job;
+        const LoadedWindow job;
         const auto [start, leave, address] =
             Row<Qt::Key, Qt::Key, QString>("start", "leave", "address");
         job.Click(1, 1);
@@ -55,8 +57,24 @@ class ListTest : public QObject {
         QVERIFY(job.Command().contains("-ca " + address + " -cf @/b.bin"));
     }
 
+    void ALoadTakesOverAnEdit() {
+        LoadedWindow job;
+        QString taken;
+        job.list.CellTextChange = [&](Listbox& list, std::int64_t row, std::int64_t column) {
+            taken = QString::fromStdString(list.Cell(row, column));
+        };
+        job.Click(1, 0);
+        job.Press(Qt::Key_F2);
+        job.Type("new");
+        job.opened.frame->findChild<QMenuBar*>()->setFocus(Qt::MenuBarFocusReason);
+        QVERIFY(taken.isEmpty());
+        job.Load("up,a.bin,9");
+        QCOMPARE(taken, "new");
+        QVERIFY(!job.Editor() && job.Column(1) == QStringList{"9"});
+    }
+
     void InputMethod() {
-        const Job job;
+        const LoadedWindow job;
         job.Press(Qt::Key_End);
         for (const char* text : {" ", "0", "x2"}) {
             QInputMethodEvent event;
@@ -68,7 +86,7 @@ class ListTest : public QObject {
     }
 
     void StartCommits() {
-        const Job job;
+        const LoadedWindow job;
         job.Click(0, 1);
         job.Type("0xAB");
         job.opened.Click("StartPB");
@@ -81,7 +99,7 @@ class ListTest : public QObject {
         row("a file", 1, 0);
     }
     void DoubleClick() {
-        Job job;
+        LoadedWindow job;
         const auto [selectedRow, column] = Row<int, int>("selectedRow", "column");
         QStringList seen;
         job.list.DoubleClick = [&](Listbox&) { seen += job.Editor() ? "open" : "closed"; };
@@ -104,7 +122,7 @@ class ListTest : public QObject {
         row("a letter from none", "C", -1);
     }
     void SelectByKeys() {
-        const Job job;
+        const LoadedWindow job;
         QFETCH(const QString, keys);
         QTest::keySequence(job.Desktop(), QKeySequence(keys));
         QTEST(static_cast<int>(job.list.ListIndex()), "row");
@@ -112,8 +130,30 @@ class ListTest : public QObject {
         QCOMPARE(job.Column(1), (QStringList{"1", "2", "3"}));
     }
 
+    // Ctrl+C copies the current cell, and leaves the clipboard alone where there is none.
+    void Copy_data() {
+        const auto row = Columns<Qt::Key, int, QString>("key", "clickRow", "copied");
+        row("without a current cell", Qt::Key_unknown, -1, "before");
+        row("after a click into the free space", Qt::Key_unknown, 9, "before");
+        row("after a click on an address", Qt::Key_unknown, 1, "2");
+        row("after a row has gone", Qt::Key_Delete, 2, "before");
+    }
+    void Copy() {
+        const LoadedWindow job;
+        const auto [key, clickRow] = Row<Qt::Key, int>("key", "clickRow");
+        job.view->resize(334, 200);
+        QApplication::clipboard()->setText("before");
+        if (clickRow == 9)
+            QTest::mouseClick(job.view->viewport(), Qt::LeftButton, {}, {20, 150});
+        else if (clickRow >= 0)
+            job.Click(clickRow, 1);
+        if (key != Qt::Key_unknown) job.Press(key);
+        QTest::keyClick(job.Desktop(), Qt::Key_C, Qt::ControlModifier);
+        QTEST(QApplication::clipboard()->text(), "copied");
+    }
+
     void Colours() {
-        const Job job;
+        const LoadedWindow job;
         job.view->resize(334, 200);
         const auto colour = [&job](int row, int column) {
             const QImage cell = job.Picture(row, column);
@@ -128,7 +168,7 @@ class ListTest : public QObject {
 
     // A file's empty address cell shows a hint, which is no part of its text.
     void Hint() {
-        const Job job("up,a.bin\nup,b.bin");
+        const LoadedWindow job("up,a.bin\nup,b.bin");
         const auto isPlain = [&job](int row) {
             const QImage cell = job.Picture(row, 1);
             return cell == cell.copy(cell.width() - 1, 0, 1, 1).scaled(cell.size());
@@ -142,7 +182,7 @@ class ListTest : public QObject {
 
     // As a screen reader sees and edits it.
     void Access() {
-        const Job job;
+        const LoadedWindow job;
         auto* list = QAccessible::queryAccessibleInterface(job.view);
         const auto* table = list->tableInterface();
         auto* cell = table->cellAt(1, 1);
@@ -174,7 +214,7 @@ class ListTest : public QObject {
         row("an address that is edited", true, true);
     }
     void AccessToText() {
-        const Job job;
+        const LoadedWindow job;
         const auto [list, editor] = Row<bool, bool>("list", "editor");
         job.Press(Qt::Key_Home);
         if (editor) list ? job.Press(Qt::Key_F2) : job.opened.TabTo("ResetEF");
@@ -212,6 +252,11 @@ class ListTest : public QObject {
         QVERIFY(access->role() == QAccessible::EditableText && access->state().editable);
         QVERIFY(text->cursorPosition() == 8 && text->selectionCount() == 0);
         QCOMPARE(text->offsetAtPoint(text->characterRect(4).topLeft()), 4);
+        for (int at = 0; at < 7; ++at) {  // one beside the other, within the field
+            const QRect place = text->characterRect(at), next = text->characterRect(at + 1);
+            QVERIFY(access->rect().contains(place) && place.width() > 1 && place.height() > 8);
+            QVERIFY(std::abs(next.left() - place.right() - 1) <= 1 && next.top() == place.top());
+        }
         text->setSelection(0, 4, INT_MAX);
         text->selection(0, &start, &end);
         QVERIFY(start == 4 && end == 8 && text->selectionCount() == 1);

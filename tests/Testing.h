@@ -13,9 +13,8 @@
 #include <string>
 
 #include "flash/EspWin.h"
-#include "frame/App.h"
-#include "frame/FileTypes1.h"
-#include "frame/MainMenuBar.h"
+#include "frame/Startup.h"
+#include "platform/application/Application.h"
 #include "platform/application/System.h"
 #include "platform/files/FolderItem.h"
 
@@ -169,11 +168,7 @@ class OpenedWindow {
 // Starts the program without its window, for as long as `body` runs.
 template <class Body>
 int WithProgram(Body body) {
-    SetSupportsHiDPI(true);
-    FileTypes1::Initialize();
-    auto app = std::make_shared<App>();
-    app->MenuBar(MainMenuBar::Instance());
-    RegisterApplication(app);
+    EarlyStartup();
     InitializeFramework([] {});
     System().PortNames = [] { return std::vector<std::string>(); };  // whatever the machine has
     System().DevicePrefix = "/dev/";  // pseudo terminals have no other on any system

@@ -1,5 +1,5 @@
 // How images get into the list and out of it.
-#include "ImageJob.h"
+#include "LoadedWindow.h"
 
 class UploadTest : public QObject {
     Q_OBJECT
@@ -30,7 +30,7 @@ class UploadTest : public QObject {
             {"a.bin", "c.bin"}, {"1", ""}, "-cd ck -cb 115200 -ca 1 -cf @/a.bin");
     }
     void Settings() {
-        const Job job("up,a.bin,former");
+        const LoadedWindow job("up,a.bin,former");
         job.view->selectRow(0);
         QFETCH(const QByteArray, setting);
         job.Load(setting);
@@ -44,7 +44,7 @@ class UploadTest : public QObject {
     }
 
     void NoSettingFile() {
-        const Job job;
+        const LoadedWindow job;
         job.window.InstallEF().Text("by -vv hand");
         mkfifo(qPrintable(job.folder.Path("pipe")), 0644);
         for (const char* name : {"missing.csv", "sub", "pipe"}) {
@@ -59,7 +59,7 @@ class UploadTest : public QObject {
         row("by the key", true);
     }
     void Delete() {
-        const Job job;
+        const LoadedWindow job;
         QFETCH(const bool, byKey);
         job.Press(Qt::Key_Delete);  // with no row selected
         for (const auto& [select, left] : {std::pair(Qt::Key_End, QStringList{"a.bin", "b.bin"}),

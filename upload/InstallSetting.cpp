@@ -6,8 +6,8 @@
 #include "platform/files/TextInputStream.h"
 #include "platform/text/Text.h"
 
-// Whatever can't be used is skipped in silence. A file that can't be opened changes nothing; one
-// that can replaces the list.
+// The load skips in silence what it can't use. A file that can't be opened changes nothing; one
+// that can be opened replaces the list.
 void EspWin::SetInstallSetting(const FolderItemRef& file) {
     if (!file || !file->Exists()) return;
     const auto stream = TextInputStream::Open(file);

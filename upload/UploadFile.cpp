@@ -1,6 +1,6 @@
 // The choice of an image or an install setting file.
 #include "flash/EspWin.h"
-#include "frame/FileTypes1.h"
+#include "frame/FileTypes.h"
 #include "platform/files/OpenDialog.h"
 #include "platform/text/Text.h"
 

@@ -1,8 +1,9 @@
 // The list of images. The control is the model: its rows are the images of the command.
 #include "flash/EspWin.h"
 
-// A new file goes into the free row (one without a file), else into a new row at the end. A free
-// row is always the only one: a new row is filled at once, and Delete empties no row but the last.
+// Puts a new file into the free row (a row without a file), or else into a new row at the end. A
+// free row is always the only row: a new row is filled at once, and Delete empties only the last
+// one.
 void EspWin::SetUploadFileToList(const FolderItemRef& file, const std::string& address) {
     Listbox& list = ulb();
     std::int64_t row = 0;
@@ -25,7 +26,7 @@ void EspWin::ulb_CellTextChange(Listbox&, std::int64_t, std::int64_t) { MakeComm
 void EspWin::ulb_DoubleClick(Listbox&) { SelectUploadFile(); }
 
 bool EspWin::ulb_CellBackgroundPaint(Listbox&, Graphics& g, std::int64_t row, std::int64_t) {
-    // Rows count from 0: the first row is even. The hint in CellDelegate.cpp is read on both.
+    // Rows count from 0: the first row is even. CellDelegate.cpp writes the hint on both colours.
     constexpr Color kEvenRow = 0xD2FFF3;
     constexpr Color kOddRow = 0xD2EDF5;
     g.ForeColor(row % 2 == 0 ? kEvenRow : kOddRow);
@@ -33,7 +34,7 @@ bool EspWin::ulb_CellBackgroundPaint(Listbox&, Graphics& g, std::int64_t row, st
     return false;
 }
 
-// The sole row stays, free again, with its address.
+// A row that is the only one stays, without its file but with its address.
 void EspWin::DeletePB_Action(PushButton&) {
     Listbox& list = ulb();
     const std::int64_t i = list.ListIndex();
@@ -43,7 +44,7 @@ void EspWin::DeletePB_Action(PushButton&) {
     MakeCommand();
 }
 
-// The key does what the button would.
+// The key does what the button does.
 void EspWin::ulb_DeleteKey(Listbox&) {
     if (DeletePB().Enabled()) DeletePB_Action(DeletePB());
 }

@@ -15,8 +15,9 @@
 #include <vector>
 
 #include "platform/application/private/Display.h"
+#include "platform/qt/AccessibleLineEdit.h"
 #include "platform/qt/HeldKey.h"
-#include "platform/qt/LineAccess.h"
+#include "platform/qt/OpenEdit.h"
 
 namespace {
 
@@ -34,6 +35,7 @@ class QtApplication : public QApplication {
 
     bool notify(QObject* receiver, QEvent* event) override {
         WatchForHeldKey(*event);
+        WatchForFocus(*event);
         if (IsFileDrag(*event)) {
             event->ignore();  // nothing in the program takes a file that is dropped on it
             return false;
@@ -120,7 +122,7 @@ void InitializeFramework(const std::function<void()>& ready) {
     QApplication::setQuitOnLastWindowClosed(false);  // Window's Close says what happens
     QGuiApplication::styleHints()->setTabFocusBehavior(Qt::TabFocusAllControls);
     SpeakTheUsersLanguage();
-    InstallLineAccess();
+    InstallAccessibleLineEdit();
     ready();
 }
 

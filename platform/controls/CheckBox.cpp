@@ -2,17 +2,17 @@
 
 #include <QCheckBox>
 
+#include "platform/qt/ControlWidget.h"
 #include "platform/qt/HeldKey.h"
-#include "platform/qt/Native.h"
 #include "platform/qt/QtText.h"
 
 CheckBox::CheckBox(Window& owner, std::string name)
-    : RectControl(std::move(name), new PressedOnce<QCheckBox>(ContentOf(owner))) {
-    Native()->setFocusPolicy(Qt::StrongFocus);
+    : RectControl(std::move(name), Owned(new PressedOnce<QCheckBox>(ContentOf(owner)))) {
+    WidgetOf(*this).setFocusPolicy(Qt::StrongFocus);
 }
 
 void CheckBox::Caption(std::string_view caption) {
-    static_cast<QCheckBox*>(Native())->setText(ToQt(caption));
+    WidgetOf<QCheckBox>(*this).setText(ToQt(caption));
 }
 
-bool CheckBox::Value() const { return static_cast<QCheckBox*>(Native())->isChecked(); }
+bool CheckBox::Value() const { return WidgetOf<QCheckBox>(*this).isChecked(); }

@@ -4,15 +4,16 @@
 #include <QEvent>
 #include <QFont>
 #include <QKeyEvent>
-#include <QWidget>
 #include <algorithm>
 
+#include "platform/qt/ControlWidget.h"
 #include "platform/qt/HeldKey.h"
 #include "platform/qt/QtText.h"
 
 namespace {
 
-// The nearest control before it in the tab order that the user can see and reach, or nullptr.
+// Returns the nearest control before the widget in the tab order that the user can see and reach;
+// nullptr if there is none.
 QWidget* ControlBefore(const QWidget& widget) {
     const QWidget* content = widget.parentWidget();
     for (QWidget* other = widget.previousInFocusChain(); !other->isWindow();
@@ -24,13 +25,8 @@ QWidget* ControlBefore(const QWidget& widget) {
     return nullptr;
 }
 
-bool IsModifier(int key) {
-    return key == Qt::Key_Control || key == Qt::Key_Shift || key == Qt::Key_Alt ||
-           key == Qt::Key_Meta;
-}
-
-// The user does something else. A modifier key alone may belong to the keys that stop a run, and a
-// key that is held down may be the one that started it.
+// True when the user does something new. A modifier key alone doesn't count, since it may belong to
+// the keys that stop a run; nor does a held key, since it may be the one that started the run.
 bool IsNewInput(const QEvent& event) {
     if (event.type() == QEvent::MouseButtonPress) return true;
     if (event.type() != QEvent::KeyPress) return false;
@@ -39,8 +35,8 @@ bool IsNewInput(const QEvent& event) {
 
 }  // namespace
 
-// The focus of a control that was disabled while it had it. It comes back unless there was new
-// input meanwhile.
+// Remembers that a control had the focus when it was disabled. The focus comes back unless there
+// has been new input.
 class RectControl::FocusLoan : public QObject {
   public:
     FocusLoan() { qApp->installEventFilter(this); }
@@ -57,52 +53,56 @@ class RectControl::FocusLoan : public QObject {
     bool mComesBack = true;
 };
 
-RectControl::RectControl(std::string name, QWidget* native)
-    : Control(std::move(name)), mNative(native) {
-    mNative->setObjectName(ToQt(Name()));
+RectControl::RectControl(std::string name, std::unique_ptr<Native> native)
+    : Control(std::move(name)), mNative(std::move(native)) {
+    mNative->widget->setObjectName(ToQt(Name()));
 }
 
-RectControl::~RectControl() { delete mNative; }
+RectControl::~RectControl() = default;
 
-bool RectControl::Enabled() const { return mNative->isEnabled(); }
+bool RectControl::Enabled() const { return mNative->widget->isEnabled(); }
 
 void RectControl::Enabled(bool enabled) {
-    if (!enabled && mNative->window()->focusWidget() == mNative) {
-        // Where there is none, Qt gives the focus to the next one.
-        if (QWidget* before = ControlBefore(*mNative)) before->setFocus();
+    QWidget& widget = *mNative->widget;
+    if (!enabled && widget.window()->focusWidget() == &widget) {
+        // Without such a control Qt gives the focus to the next one.
+        if (QWidget* before = ControlBefore(widget)) before->setFocus();
         mFocusLoan = std::make_unique<FocusLoan>();
     }
-    mNative->setEnabled(enabled);
+    widget.setEnabled(enabled);
     if (enabled && mFocusLoan) {
-        if (mFocusLoan->ComesBack()) mNative->setFocus();
+        if (mFocusLoan->ComesBack()) widget.setFocus();
         mFocusLoan.reset();
     }
 }
 
 void RectControl::Place(const ControlPlace& place) {
     mPlace = place;
-    QFont font = mNative->font();
+    QFont font = mNative->widget->font();
     font.setPixelSize(place.TextSize);
-    mNative->setFont(font);
+    mNative->widget->setFont(font);
     FollowWindow(0, 0);
 }
 
-void RectControl::AccessibleName(std::string_view name) { mNative->setAccessibleName(ToQt(name)); }
-
-void RectControl::AccessibleDescription(std::string_view description) {
-    mNative->setAccessibleDescription(ToQt(description));
+void RectControl::AccessibleName(std::string_view name) {
+    mNative->widget->setAccessibleName(ToQt(name));
 }
 
-void RectControl::HelpTag(std::string_view text) { mNative->setToolTip(ToQt(text)); }
+void RectControl::AccessibleDescription(std::string_view description) {
+    mNative->widget->setAccessibleDescription(ToQt(description));
+}
 
-void RectControl::SetFocus() { mNative->setFocus(); }
+void RectControl::HelpTag(std::string_view text) { mNative->widget->setToolTip(ToQt(text)); }
+
+void RectControl::SetFocus() { mNative->widget->setFocus(); }
 
 void RectControl::FollowWindow(int grownWidth, int grownHeight) {
     const auto stretch = [](bool near, bool far, int grown) { return near && far ? grown : 0; };
     const auto move = [](bool near, bool far, int grown) { return far && !near ? grown : 0; };
     const ControlPlace& p = mPlace;
-    mNative->setGeometry(p.Left + move(p.Locks.Left, p.Locks.Right, grownWidth),
-                         p.Top + move(p.Locks.Top, p.Locks.Bottom, grownHeight),
-                         std::max(0, p.Width + stretch(p.Locks.Left, p.Locks.Right, grownWidth)),
-                         std::max(0, p.Height + stretch(p.Locks.Top, p.Locks.Bottom, grownHeight)));
+    mNative->widget->setGeometry(
+        p.Left + move(p.Locks.Left, p.Locks.Right, grownWidth),
+        p.Top + move(p.Locks.Top, p.Locks.Bottom, grownHeight),
+        std::max(0, p.Width + stretch(p.Locks.Left, p.Locks.Right, grownWidth)),
+        std::max(0, p.Height + stretch(p.Locks.Top, p.Locks.Bottom, grownHeight)));
 }

@@ -1,5 +1,5 @@
-// The base of all controls. A control belongs to its window, which destroys it; it owns the Qt
-// widget behind it.
+// The base of all controls. A control belongs to its window, which destroys it, and owns the widget
+// behind it.
 #pragma once
 
 #include <cstdint>
@@ -10,7 +10,6 @@
 #include <type_traits>
 #include <utility>
 
-class QWidget;
 class Window;
 
 class Control {
@@ -22,7 +21,7 @@ class Control {
 
     const std::string& Name() const { return mName; }
 
-    // Raises the control's Open event, where it has one. Called once, by the window.
+    // Raises the Open event of a control that has one. The window calls it once.
     virtual void RaiseOpen() {}
 
     // From now on the control raises no event. A window detaches all of its controls before it
@@ -30,7 +29,7 @@ class Control {
     void DetachHandlers() { mDetached = true; }
 
   protected:
-    // Runs an event's handler, where there is one, and returns its result.
+    // Runs the handler of an event and returns its result. Without a handler it does nothing.
     template <class Result, class Sender, class... Arguments>
     Result Raise(const std::function<Result(Sender&, Arguments...)>& handler,
                  std::type_identity_t<Arguments>... arguments) {
@@ -43,14 +42,14 @@ class Control {
     bool mDetached = false;
 };
 
-// The sides of a control that keep their distance from the same side of the window. On an axis
-// with no lock the control keeps its left or top distance.
+// A locked side of a control keeps its distance from the same side of the window. On an axis
+// without a lock the control keeps its distance from the left or from the top.
 struct Locks {
     bool Left = false, Top = false, Right = false, Bottom = false;
 };
 
-// Place of a control at the start. Lengths are device-independent pixels from the top left corner
-// of the window's content; a negative place lies outside it.
+// The place of a control at the start. Lengths are device-independent pixels from the top left
+// corner of the window's content. A negative place lies outside of it.
 struct ControlPlace {
     int Left, Top, Width, Height;
     ::Locks Locks;
@@ -62,15 +61,15 @@ class RectControl : public Control {
   public:
     ~RectControl() override;
 
-    // The focus of a control that is disabled goes to one that the user sees, and comes back when
-    // it is enabled, unless the user has pressed a key or a mouse button meanwhile.
+    // A control that is disabled while it has the focus passes it to one that the user sees. It
+    // gets the focus back when it is enabled, unless the user has pressed a key or a mouse button.
     bool Enabled() const;
     void Enabled(bool enabled);
 
     void Place(const ControlPlace& place);
     int TabIndex() const { return mPlace.TabIndex; }
 
-    // What a screen reader calls the control, and what it says of it besides.
+    // A screen reader calls the control by this name, and adds the description.
     void AccessibleName(std::string_view name);
     void AccessibleDescription(std::string_view description);
 
@@ -79,19 +78,23 @@ class RectControl : public Control {
 
     void SetFocus();
 
-    // Moves and resizes the control for a content that has grown by so many pixels since the start.
+    // Moves and resizes the control. The window's content has grown by so many pixels since the
+    // start.
     void FollowWindow(int grownWidth, int grownHeight);
 
-    QWidget* Native() const { return mNative; }
+    // True for a control that stays visible and usable when another one grows over its place.
+    virtual bool LiesOnTop() const { return false; }
+
+    struct Native;  // the widget behind the control; see platform/qt/ControlWidget.h
+    const Native& NativeSide() const { return *mNative; }
 
   protected:
-    // Takes ownership of the widget.
-    RectControl(std::string name, QWidget* native);
+    RectControl(std::string name, std::unique_ptr<Native> native);
 
   private:
     class FocusLoan;
 
-    QWidget* mNative;
+    const std::unique_ptr<Native> mNative;
     std::unique_ptr<FocusLoan> mFocusLoan;  // while disabled, if the control had the focus
     ControlPlace mPlace{};
 };

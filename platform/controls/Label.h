@@ -7,6 +7,6 @@ class Label : public RectControl {
   public:
     Label(Window& owner, std::string name);
     void Text(std::string_view text);
-    // Makes this the label of the control for screen readers.
+    // Tells screen readers that this is the label of the control.
     void Names(const RectControl& control);
 };

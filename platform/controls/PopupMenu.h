@@ -4,7 +4,7 @@
 
 #include "platform/controls/Control.h"
 
-// A list of texts of which one is selected, or none.
+// A list of texts. One of them is selected, or none.
 class PopupMenu : public RectControl {
   public:
     PopupMenu(Window& owner, std::string name);
@@ -16,8 +16,8 @@ class PopupMenu : public RectControl {
 
     std::string List(std::int64_t row) const;
     std::int64_t ListCount() const;
-    // The selected row, -1 for none. Setting a number that is no row selects none. Setting raises
-    // Change each time.
+    // The selected row, -1 for none. Setting a number that is no row selects none. Each call of the
+    // setter raises Change.
     std::int64_t ListIndex() const;
     void ListIndex(std::int64_t row);
     // The selected row's text, empty for none.

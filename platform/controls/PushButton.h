@@ -12,6 +12,8 @@ class PushButton : public RectControl {
     // Presses the button, if it is enabled, and leaves the focus where it is.
     void Press();
 
-    // The button was pressed. A cell, text or choice that was being edited has been committed.
+    bool LiesOnTop() const override { return true; }
+
+    // The user has pressed the button. The edit of a cell or a text has been committed before.
     std::function<void(PushButton&)> Action;
 };

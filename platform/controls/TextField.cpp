@@ -1,29 +1,24 @@
-#include <QLineEdit>
+#include "platform/controls/TextField.h"
+
 #include <QSignalBlocker>
 
-#include "platform/controls/TextEdit.h"
-#include "platform/qt/Native.h"
+#include "platform/qt/ControlWidget.h"
+#include "platform/qt/LineEdit.h"
 #include "platform/qt/QtText.h"
 
-namespace {
-
-QLineEdit* Line(const TextField& field) { return static_cast<QLineEdit*>(field.Native()); }
-
-}  // namespace
-
 TextField::TextField(Window& owner, std::string name)
-    : TextEdit(std::move(name), new QLineEdit(ContentOf(owner))) {
-    Line(*this)->setMaxLength(kLongestLine);
-    QObject::connect(Line(*this), &QLineEdit::textChanged, Line(*this),
-                     [this] { Raise(TextChange); });
+    : TextEdit(std::move(name), Owned(new LineEdit(ContentOf(owner)))) {
+    auto& line = WidgetOf<LineEdit>(*this);
+    QObject::connect(&line, &QLineEdit::textChanged, &line, [this] { Raise(TextChange); });
 }
 
-std::string TextField::Text() const { return FromQt(Line(*this)->text()); }
+std::string TextField::Text() const { return FromQt(WidgetOf<LineEdit>(*this).text()); }
 
 void TextField::Text(std::string_view text) {
+    auto& line = WidgetOf<LineEdit>(*this);
     {
-        const QSignalBlocker quiet(Line(*this));
-        Line(*this)->setText(ToQt(text));
+        const QSignalBlocker quiet(&line);
+        line.setText(ToQt(text));
     }
     Raise(TextChange);
 }

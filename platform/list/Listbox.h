@@ -1,15 +1,14 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
-#include <memory>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/controls/Control.h"
 #include "platform/list/Cell.h"
 #include "platform/list/Graphics.h"
-
-class ListModel;
-class QTableView;
 
 // A table of texts with headings, of which one row at most is selected. Rows and columns count
 // from 0. Reading outside the table gives an empty value, writing there does nothing.
@@ -22,13 +21,12 @@ class Listbox : public RectControl {
     // first takes the rest.
     Listbox(Window& owner, std::string name, const std::vector<std::string>& headings,
             int fixedWidth);
-    ~Listbox() override;
 
     std::string Cell(std::int64_t row, std::int64_t column) const;
     // Raises nothing.
     void Cell(std::int64_t row, std::int64_t column, std::string_view text);
     Variant CellTag(std::int64_t row, std::int64_t column) const;
-    void CellTag(std::int64_t row, std::int64_t column, Variant tag);
+    void CellTag(std::int64_t row, std::int64_t column, const Variant& tag);
     // kEditableCell lets the user edit it.
     void CellType(std::int64_t row, std::int64_t column, int type);
     // What an editable cell shows, palely, while it is empty and the row's first cell isn't. It is
@@ -61,9 +59,7 @@ class Listbox : public RectControl {
         CellBackgroundPaint;
 
   private:
-    QTableView& View() const;
-    void ClearSelection();
+    void RemoveRows(std::int64_t row, std::int64_t count);
 
-    std::unique_ptr<ListModel> mModel;
     bool mClearing = false;  // Change waits until the rows are gone
 };

@@ -30,3 +30,8 @@ void WatchForHeldKey(const QEvent& event) {
 }
 
 bool KeyIsHeld() { return keyboard.isHeld; }
+
+bool IsModifier(int key) {
+    return key == Qt::Key_Control || key == Qt::Key_Shift || key == Qt::Key_Alt ||
+           key == Qt::Key_Meta;
+}

@@ -1,4 +1,4 @@
-// Keys that are held down.
+// Keys that are held down, and modifier keys.
 #pragma once
 
 class QEvent;
@@ -10,6 +10,9 @@ void WatchForHeldKey(const QEvent& event);
 // Whether the key that is being handled is one that is held down and repeats itself. On X11 Qt
 // marks a repeat only if the next press is already waiting, so it misses some.
 bool KeyIsHeld();
+
+// Control, Shift, Alt or Meta.
+bool IsModifier(int key);
 
 // A button that a held key presses once.
 template <class Button>

@@ -12,10 +12,9 @@
 #include <stdexcept>
 
 #include "platform/application/Application.h"
-#include "platform/controls/Label.h"
-#include "platform/controls/PushButton.h"
+#include "platform/qt/ControlWidget.h"
 #include "platform/qt/HeldKey.h"
-#include "platform/qt/Native.h"
+#include "platform/qt/OpenEdit.h"
 #include "platform/qt/QtText.h"
 #include "platform/text/Text.h"
 #include "platform/window/Menu.h"
@@ -89,7 +88,7 @@ class Window::Frame : public QMainWindow {
     bool mCameUp = false;
 };
 
-QWidget* ContentOf(Window& window) { return window.mFrame->ContentWidget(); }
+QWidget* ContentOf(const Window& window) { return window.NativeFrame().ContentWidget(); }
 
 Window::Window() : mFrame(std::make_unique<Frame>(*this)) {}
 
@@ -108,9 +107,8 @@ void Window::MaxHeight(int height) { mFrame->mMaximum.setHeight(height); }
 
 void Window::Show() {
     SetTabOrder();
-    // A control that stretches over a button that stays must not hide it.
     for (const RectControl* control : VisualControls())
-        if (dynamic_cast<const PushButton*>(control) != nullptr) control->Native()->raise();
+        if (control->LiesOnTop()) WidgetOf(*control).raise();
     mFrame->ShowAtStartSize();
     for (const auto& control : mControls) control->RaiseOpen();
     if (Open) Open();
@@ -120,7 +118,9 @@ void Window::OnKeys(std::string_view keys, std::function<void()> action) {
     auto* shortcut = new QShortcut(ToQtKeys(keys), mFrame.get());
     shortcut->setContext(Qt::ApplicationShortcut);  // also while a popup shows its rows
     QObject::connect(shortcut, &QShortcut::activated, mFrame.get(), [action = std::move(action)] {
-        if (!KeyIsHeld()) action();
+        if (KeyIsHeld()) return;
+        CommitOpenEdit();
+        action();
     });
 }
 
@@ -147,11 +147,12 @@ std::vector<RectControl*> Window::VisualControls() const {
 
 void Window::SetTabOrder() const {
     auto controls = VisualControls();
-    std::erase_if(controls, [](RectControl* c) { return dynamic_cast<Label*>(c) != nullptr; });
+    std::erase_if(controls,
+                  [](RectControl* c) { return WidgetOf(*c).focusPolicy() == Qt::NoFocus; });
     std::stable_sort(controls.begin(), controls.end(),
                      [](RectControl* a, RectControl* b) { return a->TabIndex() < b->TabIndex(); });
     for (std::size_t i = 1; i < controls.size(); ++i)
-        QWidget::setTabOrder(controls[i - 1]->Native(), controls[i]->Native());
+        QWidget::setTabOrder(&WidgetOf(*controls[i - 1]), &WidgetOf(*controls[i]));
 }
 
 namespace {

@@ -49,6 +49,9 @@ class Window {
     static std::shared_ptr<Window> Live(std::string_view name);
     static void Register(std::string_view name, std::shared_ptr<Window> window);
 
+    class Frame;  // the window of the desktop; see Window.cpp
+    Frame& NativeFrame() const { return *mFrame; }
+
   protected:
     // Creates a control of this window, without a visual form, and adds it to the control list.
     template <class C>
@@ -72,9 +75,6 @@ class Window {
     }
 
   private:
-    friend class QWidget* ContentOf(Window& window);
-    class Frame;  // Qt's window
-
     template <class C>
     C& AddToList(std::unique_ptr<C> control) {
         mControls.push_back(std::move(control));

@@ -1,23 +1,21 @@
-// Tells screen readers what a widget has got, wherever the focus is. Qt reports each insertion of
-// text too, but a screen reader may ignore those of a widget without the focus.
+// Tells screen readers of new text in a widget, wherever the focus is. Qt reports each insertion of
+// text too, but a screen reader may ignore the insertions into a widget without the focus.
 #pragma once
 
-#include <memory>
-
-class QString;
-class QWidget;
+#include <QTimer>
+#include <QWidget>
 
 class Announcer {
   public:
     explicit Announcer(QWidget& widget);
-    ~Announcer();
 
-    // Of much text its last line, and no more than one line in a second. Before Qt 6.8 there are no
-    // announcements.
+    // Announces only the last line, at most once a second. Qt can't announce before version 6.8.
     void Announce(const QString& text);
 
   private:
-    class Line;
+    void AnnounceLine();
 
-    const std::unique_ptr<Line> mLine;
+    [[maybe_unused]] QWidget& mWidget;
+    QTimer mTimer;  // runs while the line waits
+    QString mLine;
 };

@@ -1,17 +1,16 @@
 #include "platform/list/private/CellDelegate.h"
 
 #include <QKeyEvent>
-#include <QLineEdit>
 #include <QPainter>
-#include <QStyledItemDelegate>
-#include <QTableView>
+#include <QPointer>
 #include <utility>
 
-#include "platform/controls/TextEdit.h"
 #include "platform/list/Graphics.h"
 #include "platform/list/private/ListModel.h"
 #include "platform/list/private/ListView.h"
 #include "platform/qt/HeldKey.h"
+#include "platform/qt/LineEdit.h"
+#include "platform/qt/OpenEdit.h"
 
 namespace {
 
@@ -21,41 +20,18 @@ constexpr qsizetype kShown = 2000;  // characters that are painted; more never f
 // list has no focus.
 constexpr QRgb kHintColor = 0xFF555555;
 
-using BackgroundPainter = std::function<bool(Graphics&, int row, int column)>;
-
-class CellDelegate : public QStyledItemDelegate {
+class Editor : public LineEdit {
   public:
-    CellDelegate(QTableView& view, BackgroundPainter paintBackground)
-        : QStyledItemDelegate(&view), mView(view), mPaintBackground(std::move(paintBackground)) {}
-
-    void paint(QPainter* painter, const QStyleOptionViewItem& option,
-               const QModelIndex& index) const override;
-    QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option,
-                          const QModelIndex& index) const override;
-    void setEditorData(QWidget* widget, const QModelIndex& index) const override;
-    void setModelData(QWidget* widget, QAbstractItemModel* model,
-                      const QModelIndex& index) const override;
-    void updateEditorGeometry(QWidget* editor, const QStyleOptionViewItem& option,
-                              const QModelIndex& index) const override;
-
-  protected:
-    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override;
-    bool eventFilter(QObject* object, QEvent* event) override;
-
-  private:
-    void Commit(QWidget* editor);
-
-    QTableView& mView;
-    const BackgroundPainter mPaintBackground;
-};
-
-class Editor : public QLineEdit {
-  public:
-    using QLineEdit::QLineEdit;
+    using LineEdit::LineEdit;
 
     QString given;            // the text that it was opened with
     bool wasPressed = false;  // by the mouse, since it was opened
 };
+
+}  // namespace
+
+CellDelegate::CellDelegate(ListView& view, BackgroundPainter paintBackground)
+    : QStyledItemDelegate(&view), mView(view), mPaintBackground(std::move(paintBackground)) {}
 
 void CellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                          const QModelIndex& index) const {
@@ -63,7 +39,11 @@ void CellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     painter->save();
     painter->setClipRect(cell);
     painter->translate(cell.topLeft());
-    Graphics graphics(painter, cell.width(), cell.height());
+    Graphics graphics(cell.width(), cell.height(), [painter](const FilledRect& rect) {
+        painter->fillRect(QRectF(static_cast<qreal>(rect.left), static_cast<qreal>(rect.top),
+                                 static_cast<qreal>(rect.width), static_cast<qreal>(rect.height)),
+                          QColor::fromRgb(rect.color));
+    });
     const bool claimed =
         mPaintBackground && mPaintBackground(graphics, index.row(), index.column());
     painter->restore();
@@ -97,9 +77,10 @@ QWidget* CellDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem&
                                     const QModelIndex& index) const {
     auto* editor = new Editor(parent);
     editor->setFrame(false);
-    editor->setMaxLength(kLongestLine);
     editor->setFont(mView.font());
     editor->setAccessibleName(index.model()->headerData(index.column(), Qt::Horizontal).toString());
+    auto* delegate = const_cast<CellDelegate*>(this);
+    SetOpenEditor(editor, [=] { delegate->Commit(editor); });
     return editor;
 }
 
@@ -136,7 +117,7 @@ bool CellDelegate::eventFilter(QObject* object, QEvent* event) {
             if ((key == Qt::Key_Return || key == Qt::Key_Enter) && KeyIsHeld()) return true;
             if (key != Qt::Key_Tab && key != Qt::Key_Backtab) break;
             Commit(editor);
-            FocusNeighbour(mView, key == Qt::Key_Tab);
+            mView.FocusNeighbour(key == Qt::Key_Tab);
             return true;
         }
         case QEvent::MouseButtonPress:
@@ -146,9 +127,10 @@ bool CellDelegate::eventFilter(QObject* object, QEvent* event) {
         case QEvent::MouseButtonDblClick:
             if (editor->wasPressed) break;
             Commit(editor);
-            RaiseDoubleClicked(mView);
+            if (mView.DoubleClicked) mView.DoubleClicked();
             return true;
-        // The menu bar gives the focus back, and its items act on the editor meanwhile.
+        // The items of the edit menu act on the editor. OpenEdit.cpp closes it if the focus doesn't
+        // come back from the menu bar.
         case QEvent::FocusOut:
             if (static_cast<QFocusEvent*>(event)->reason() == Qt::MenuBarFocusReason) return false;
             break;
@@ -156,10 +138,4 @@ bool CellDelegate::eventFilter(QObject* object, QEvent* event) {
             break;
     }
     return QStyledItemDelegate::eventFilter(object, event);
-}
-
-}  // namespace
-
-QAbstractItemDelegate* NewCellDelegate(QTableView& view, BackgroundPainter paintBackground) {
-    return new CellDelegate(view, std::move(paintBackground));
 }

@@ -1,52 +1,25 @@
-// The rows of a list, and the Qt model through which a view reads them.
+// The rows of a list as a view reads them.
 #pragma once
 
-#include <cstdint>
+#include <QStandardItemModel>
 #include <functional>
-#include <memory>
-#include <string>
-#include <string_view>
-#include <vector>
 
-#include "platform/list/Cell.h"
-
-class QAbstractItemModel;
-
-class ListModel {
+// The program changes a row by its items. The user's changes come by setData, from the editor of a
+// cell or from a screen reader.
+class ListModel : public QStandardItemModel {
   public:
-    struct Cell {
-        std::string text;
-        Variant tag;
-        int type = 0;
+    enum Role {
+        kHintRole = Qt::UserRole,  // the hint that is shown in the cell now; empty for none
+        kTagRole,                  // the Variant that is kept with the cell
     };
 
-    // Beside Qt's roles: the hint that is shown in the cell now, empty for none.
-    static constexpr int kHintRole = 0x0100;
+    using QStandardItemModel::QStandardItemModel;
 
-    explicit ListModel(std::vector<std::string> headings);
-    ~ListModel();
+    QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
+    bool setData(const QModelIndex& index, const QVariant& value, int role = Qt::EditRole) override;
 
-    // For a view, which must let go of it before this object dies.
-    QAbstractItemModel* Native() const;
-
-    // nullptr outside the table.
-    Cell* At(std::int64_t row, std::int64_t column);
-    std::int64_t RowCount() const { return static_cast<std::int64_t>(mRows.size()); }
-    // Tells the view that a cell has another text.
-    void Changed(std::int64_t row, std::int64_t column);
-    void Append(const std::vector<std::string>& texts);
-    void Remove(std::int64_t row);
-    void Clear();
-    void Hint(std::string_view hint) { mHint = hint; }
-
+    // The hint of empty cells.
+    QString Hint;
     // The user has changed a cell's text.
     std::function<void(int row, int column)> Edited;
-
-  private:
-    class Table;
-
-    std::vector<std::string> mHeadings;
-    std::vector<std::vector<Cell>> mRows;
-    std::string mHint;
-    std::unique_ptr<Table> mTable;
 };

@@ -3,55 +3,24 @@
 #include <QCoreApplication>
 #include <QHeaderView>
 #include <QKeyEvent>
-#include <QPersistentModelIndex>
-#include <QTableView>
 #include <utility>
 
 #include "platform/qt/HeldKey.h"
 
-namespace {
-
-class ListView : public QTableView {
-  public:
-    ListView(QWidget* parent, ListViewEvents events);
-
-    void FocusNeighbour(bool next) { focusNextPrevChild(next); }
-    // Switches off Qt's search for a row by typing.
-    void keyboardSearch(const QString&) override {}
-
-    const ListViewEvents Events;
-
-  protected:
-    void keyPressEvent(QKeyEvent* event) override;
-    void inputMethodEvent(QInputMethodEvent* event) override;
-    void mousePressEvent(QMouseEvent* event) override;
-    void mouseReleaseEvent(QMouseEvent* event) override;
-    void mouseDoubleClickEvent(QMouseEvent* event) override;
-    void changeEvent(QEvent* event) override;
-
-  private:
-    bool TakeKey(QKeyEvent& event);
-
-    // The cell that is edited when the button is let go over it.
-    QPersistentModelIndex mPressed;
-};
-
-QModelIndex EditableCell(const QTableView& view, int row) {
-    const QAbstractItemModel& model = *view.model();
-    for (int column = 0; column < model.columnCount(); ++column) {
-        const QModelIndex cell = model.index(row, column);
+QModelIndex ListView::EditableCell(int row) const {
+    for (int column = 0; column < model()->columnCount(); ++column) {
+        const QModelIndex cell = model()->index(row, column);
         if (cell.flags().testFlag(Qt::ItemIsEditable)) return cell;
     }
     return {};
 }
 
-ListView::ListView(QWidget* parent, ListViewEvents events)
-    : QTableView(parent), Events(std::move(events)) {
+ListView::ListView(QWidget* parent) : QTableView(parent) {
     setFocusPolicy(Qt::StrongFocus);
     setSelectionBehavior(SelectRows);
     setSelectionMode(SingleSelection);
-    // The others are below. Qt's own for a click on the selected row waits for a double click, and
-    // loses the keys that come meanwhile.
+    // Clicks, F2 and Return are handled below. Qt's own trigger for a click on the selected row
+    // waits for a double click, and loses the keys that come meanwhile.
     setEditTriggers(AnyKeyPressed);
     setTabKeyNavigation(false);
     setShowGrid(false);
@@ -76,39 +45,39 @@ void ListView::keyPressEvent(QKeyEvent* event) {
 bool ListView::TakeKey(QKeyEvent& event) {
     const bool modified =
         event.modifiers().testAnyFlags(Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier);
-    const int row = SelectedRow(*this);
+    const int row = SelectedRow();
+    if (event.matches(QKeySequence::Copy)) return row < 0;  // the current cell, which isn't shown
     switch (event.key()) {
         case Qt::Key_Home:
-            SelectRow(*this, 0);
+            SelectRow(0);
             return true;
         case Qt::Key_End:
-            SelectRow(*this, model()->rowCount() - 1);
+            SelectRow(model()->rowCount() - 1);
             return true;
         case Qt::Key_Space:
         case Qt::Key_Select:
-            if (row < 0) SelectRow(*this, 0);
+            if (row < 0) SelectRow(0);
             return true;
         case Qt::Key_Down:
-            if (row < 0) SelectRow(*this, 0);
+            if (row < 0) SelectRow(0);
             return row < 0;
         case Qt::Key_Up:
-            if (row < 0) SelectRow(*this, model()->rowCount() - 1);
+            if (row < 0) SelectRow(model()->rowCount() - 1);
             return row < 0;
         case Qt::Key_Delete:
-            if (row >= 0 && !modified && !KeyIsHeld() && Events.DeletePressed)
-                Events.DeletePressed();
+            if (row >= 0 && !modified && !KeyIsHeld() && DeletePressed) DeletePressed();
             return true;
         case Qt::Key_F2:
         case Qt::Key_Return:
         case Qt::Key_Enter:
             if (row < 0 || modified || KeyIsHeld()) return false;
-            EditRow(*this, row);
+            EditRow(row);
             return true;
         default:
             break;
     }
     if (modified || event.text().isEmpty() || !event.text()[0].isPrint()) return false;
-    if (const QModelIndex cell = EditableCell(*this, row); cell.isValid()) {
+    if (const QModelIndex cell = EditableCell(row); cell.isValid()) {
         setCurrentIndex(cell);
         edit(cell, AnyKeyPressed, &event);
     }
@@ -120,9 +89,9 @@ bool ListView::TakeKey(QKeyEvent& event) {
 void ListView::inputMethodEvent(QInputMethodEvent* event) {
     const QString& text = event->commitString();
     if (state() == EditingState || text.isEmpty()) {
-        if (SelectedRow(*this) >= 0) QTableView::inputMethodEvent(event);
+        if (SelectedRow() >= 0) QTableView::inputMethodEvent(event);
     } else if (!text.trimmed().isEmpty()) {
-        EditRow(*this, SelectedRow(*this));
+        EditRow(SelectedRow());
         if (QWidget* editor = indexWidget(currentIndex()))
             QCoreApplication::sendEvent(editor, event);
     }
@@ -145,7 +114,7 @@ void ListView::mouseReleaseEvent(QMouseEvent* event) {
 
 void ListView::mouseDoubleClickEvent(QMouseEvent* event) {
     QTableView::mouseDoubleClickEvent(event);
-    if (event->button() == Qt::LeftButton) RaiseDoubleClicked(*this);
+    if (event->button() == Qt::LeftButton && DoubleClicked) DoubleClicked();
 }
 
 void ListView::changeEvent(QEvent* event) {
@@ -154,42 +123,25 @@ void ListView::changeEvent(QEvent* event) {
         verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 4);
 }
 
-}  // namespace
-
-QTableView* NewListView(QWidget* parent, ListViewEvents events) {
-    return new ListView(parent, std::move(events));
-}
-
-QTableView* AsListView(QObject* object) { return dynamic_cast<ListView*>(object); }
-
-void SetFixedWidth(QTableView& view, int width) {
-    QHeaderView& header = *view.horizontalHeader();
+void ListView::SetFixedWidth(int width) {
+    QHeaderView& header = *horizontalHeader();
     header.setSectionResizeMode(QHeaderView::Fixed);
     header.setDefaultSectionSize(width);
     header.setSectionResizeMode(0, QHeaderView::Stretch);
 }
 
-int SelectedRow(const QTableView& view) {
-    const auto rows = view.selectionModel()->selectedRows();
+int ListView::SelectedRow() const {
+    const auto rows = selectionModel()->selectedRows();
     return rows.isEmpty() ? -1 : rows.front().row();
 }
 
-void SelectRow(QTableView& view, int row) {
-    if (row >= 0 && row < view.model()->rowCount()) view.selectRow(row);
+void ListView::SelectRow(int row) {
+    if (row >= 0 && row < model()->rowCount()) selectRow(row);
 }
 
-void EditRow(QTableView& view, int row) {
-    const QModelIndex cell = EditableCell(view, row);
+void ListView::EditRow(int row) {
+    const QModelIndex cell = EditableCell(row);
     if (!cell.isValid()) return;
-    view.setCurrentIndex(cell);
-    view.edit(cell);
-}
-
-void FocusNeighbour(QTableView& view, bool next) {
-    static_cast<ListView&>(view).FocusNeighbour(next);
-}
-
-void RaiseDoubleClicked(QTableView& view) {
-    const auto& handler = static_cast<ListView&>(view).Events.DoubleClicked;
-    if (handler) handler();
+    setCurrentIndex(cell);
+    edit(cell);
 }

@@ -1,32 +1,43 @@
 // What the mouse and the keyboard do on a list.
-//
-// One row at most is selected. A click on the editable cell of the selected row edits it, with all
-// of its text selected; so do F2 and Return on the selected row, and a typed character replaces the
-// text. The editor is open as soon as the button is let go, so no key after it can miss it.
 #pragma once
 
+#include <QPersistentModelIndex>
+#include <QTableView>
 #include <functional>
 
-class QObject;
-class QTableView;
-class QWidget;
+// One row at most is selected. A click on the editable cell of the selected row edits it, with all
+// of its text selected; so do F2 and Return on the selected row, and a typed character replaces the
+// text. The editor is open as soon as the mouse button is let go, so no key after it can miss it.
+class ListView : public QTableView {
+  public:
+    explicit ListView(QWidget* parent);
 
-struct ListViewEvents {
+    // All columns but the first have this width; the first takes the rest.
+    void SetFixedWidth(int width);
+
+    int SelectedRow() const;  // -1 for none
+    void SelectRow(int row);  // brings it into view; nothing outside the table
+    void EditRow(int row);    // nothing in a row without an editable cell
+    void FocusNeighbour(bool next) { focusNextPrevChild(next); }
+
+    // Switches off Qt's search for a row by typing.
+    void keyboardSearch(const QString&) override {}
+
     std::function<void()> DoubleClicked;  // on the rows or on the free space below them
     std::function<void()> DeletePressed;  // with a row selected
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void inputMethodEvent(QInputMethodEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
+  private:
+    QModelIndex EditableCell(int row) const;
+    bool TakeKey(QKeyEvent& event);
+
+    // The cell that is edited when the button is let go over it.
+    QPersistentModelIndex mPressed;
 };
-
-QTableView* NewListView(QWidget* parent, ListViewEvents events);
-
-// nullptr for an object that is none.
-QTableView* AsListView(QObject* object);
-
-// These take what NewListView has made, with a model.
-
-// All columns but the first have this width; the first takes the rest.
-void SetFixedWidth(QTableView& view, int width);
-int SelectedRow(const QTableView& view);    // -1 for none
-void SelectRow(QTableView& view, int row);  // brings it into view
-void EditRow(QTableView& view, int row);    // nothing in a row without an editable cell
-void FocusNeighbour(QTableView& view, bool next);
-void RaiseDoubleClicked(QTableView& view);

@@ -3,7 +3,6 @@
 #include <QAction>
 #include <QApplication>
 #include <QContextMenuEvent>
-#include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPlainTextEdit>
@@ -12,50 +11,50 @@
 #include <vector>
 
 #include "platform/application/Application.h"
+#include "platform/qt/LineEdit.h"
 #include "platform/qt/QtText.h"
 #include "platform/window/Menu.h"
 
 namespace {
 
-// One editing command, for the one-line controls (cell editors among them) and the others. None
-// asks what is on the clipboard, except to paste it: its owner is another program, which may not
-// answer.
+// One editing command, for the one-line controls (cell editors among them) and the others. Only the
+// paste asks what is on the clipboard: its owner is another program, which may not answer.
 struct EditCommand {
     std::string_view name;
-    void (*line)(QLineEdit&);
-    bool (*lineReady)(const QLineEdit&);
+    void (*line)(LineEdit&);
+    bool (*lineReady)(const LineEdit&);
     void (*area)(QPlainTextEdit&);
     bool (*areaReady)(const QPlainTextEdit&);
 };
 
 constexpr EditCommand kEditCommands[] = {
-    {"EditUndo", [](QLineEdit& e) { e.undo(); },
-     [](const QLineEdit& e) { return e.isUndoAvailable(); }, [](QPlainTextEdit& e) { e.undo(); },
+    {"EditUndo", [](LineEdit& e) { e.undo(); },
+     [](const LineEdit& e) { return e.isUndoAvailable(); }, [](QPlainTextEdit& e) { e.undo(); },
      [](const QPlainTextEdit& e) { return e.document()->isUndoAvailable(); }},
-    {"EditCut", [](QLineEdit& e) { e.cut(); },
-     [](const QLineEdit& e) { return e.hasSelectedText() && !e.isReadOnly(); },
+    {"EditCut", [](LineEdit& e) { e.cut(); },
+     [](const LineEdit& e) { return e.hasSelectedText() && !e.isReadOnly(); },
      [](QPlainTextEdit& e) { e.cut(); },
      [](const QPlainTextEdit& e) { return e.textCursor().hasSelection() && !e.isReadOnly(); }},
-    {"EditCopy", [](QLineEdit& e) { e.copy(); },
-     [](const QLineEdit& e) { return e.hasSelectedText(); }, [](QPlainTextEdit& e) { e.copy(); },
+    {"EditCopy", [](LineEdit& e) { e.copy(); },
+     [](const LineEdit& e) { return e.hasSelectedText(); }, [](QPlainTextEdit& e) { e.copy(); },
      [](const QPlainTextEdit& e) { return e.textCursor().hasSelection(); }},
-    {"EditPaste", [](QLineEdit& e) { e.paste(); },
-     [](const QLineEdit& e) { return !e.isReadOnly(); }, [](QPlainTextEdit& e) { e.paste(); },
-     [](const QPlainTextEdit& e) { return !e.isReadOnly(); }},
-    {"EditClear", [](QLineEdit& e) { e.del(); },
-     [](const QLineEdit& e) { return e.hasSelectedText() && !e.isReadOnly(); },
+    {"EditPaste", [](LineEdit& e) { e.Paste(); }, [](const LineEdit& e) { return !e.isReadOnly(); },
+     [](QPlainTextEdit& e) { e.paste(); }, [](const QPlainTextEdit& e) { return !e.isReadOnly(); }},
+    {"EditClear", [](LineEdit& e) { e.del(); },
+     [](const LineEdit& e) { return e.hasSelectedText() && !e.isReadOnly(); },
      [](QPlainTextEdit& e) { e.textCursor().removeSelectedText(); },
      [](const QPlainTextEdit& e) { return e.textCursor().hasSelection() && !e.isReadOnly(); }},
-    {"EditSelectAll", [](QLineEdit& e) { e.selectAll(); },
-     [](const QLineEdit& e) { return !e.text().isEmpty(); },
+    {"EditSelectAll", [](LineEdit& e) { e.selectAll(); },
+     [](const LineEdit& e) { return !e.text().isEmpty(); },
      [](QPlainTextEdit& e) { e.selectAll(); },
      [](const QPlainTextEdit& e) { return !e.document()->isEmpty(); }},
 };
 
-// Keeps the edit items in step with the text that has the focus. Child of the menu bar.
+// Keeps the edit items in step with the text of the window that has the focus. Child of the menu
+// bar. The texts of dialogs have menus of their own.
 class EditItems : public QObject {
   public:
-    explicit EditItems(QMenuBar& bar) : QObject(&bar) {
+    explicit EditItems(QMenuBar& bar) : QObject(&bar), mBar(bar) {
         connect(qApp, &QApplication::focusChanged, this,
                 [this](QWidget*, QWidget* now) { Follow(now); });
         Follow(QApplication::focusWidget());
@@ -87,9 +86,10 @@ class EditItems : public QObject {
     void Follow(QWidget* focus) {
         if (qobject_cast<QMenuBar*>(focus)) return;  // it acts on what had the focus before
         if (mFollowed) mFollowed->disconnect(this);
-        mFollowed = focus;
-        mLine = qobject_cast<QLineEdit*>(focus);
-        mArea = qobject_cast<QPlainTextEdit*>(focus);
+        const bool isOurs = focus != nullptr && focus->window() == mBar.window();
+        mFollowed = isOurs ? focus : nullptr;
+        mLine = dynamic_cast<LineEdit*>(mFollowed.data());
+        mArea = qobject_cast<QPlainTextEdit*>(mFollowed.data());
         if (mLine) {
             mLine->installEventFilter(this);
             connect(mLine, &QLineEdit::selectionChanged, this, &EditItems::Update);
@@ -115,9 +115,10 @@ class EditItems : public QObject {
         QAction* action;
         const EditCommand* command;
     };
+    QMenuBar& mBar;
     std::vector<Item> mItems;
     QPointer<QObject> mFollowed;  // only a QObject is left if its destruction moved the focus
-    QPointer<QLineEdit> mLine;
+    QPointer<LineEdit> mLine;
     QPointer<QPlainTextEdit> mArea;
 };
 

@@ -1,4 +1,4 @@
-#include "frame/Module1.h"
+#include "frame/Captions.h"
 
 #include "platform/application/System.h"
 

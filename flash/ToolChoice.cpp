@@ -4,7 +4,7 @@
 
 void EspWin::tooltypePM_Open(PopupMenu& sender) { sender.ListIndex(mEspToolUse); }
 
-// The tool type is shown and kept; the command has one format for both.
+// The window keeps the type of the tool and shows it. The command has one format for both types.
 void EspWin::tooltypePM_Change(PopupMenu& sender) {
     mEspTool.clear();
     switch (sender.ListIndex()) {
@@ -26,7 +26,7 @@ void EspWin::tooltypePM_Change(PopupMenu& sender) {
     MakeCommand();
 }
 
-// Cancelling leaves no tool: the one before isn't kept.
+// After a cancel there is no tool: the former one isn't kept.
 void EspWin::SelectESPPB_Action(PushButton&) {
     OpenDialog dialog;
     dialog.InitialDirectory(GetFolderItem("", 0));
@@ -41,5 +41,5 @@ void EspWin::SelectESPPB_Action(PushButton&) {
     MakeCommand();
 }
 
-// What is typed here is only a display; the command takes the tool from mEspToolApp.
+// The field only shows the tool. The command takes it from mEspToolApp, whatever the user types.
 void EspWin::EspToolEF_TextChange(TextArea&) { MakeCommand(); }

@@ -1,22 +1,22 @@
-#include "platform/list/private/CellAccess.h"
+#include "platform/list/private/AccessibleCell.h"
 
 #include <QAccessible>
 #include <QHeaderView>
 #include <QPointer>
-#include <QTableView>
 
 #include "platform/list/private/ListModel.h"
 #include "platform/list/private/ListView.h"
-#include "platform/qt/LineText.h"
+#include "platform/qt/AccessibleLine.h"
 
 namespace {
 
-class CellAccess : public QAccessibleInterface,
-                   public QAccessibleTableCellInterface,
-                   public QAccessibleActionInterface,
-                   public LineText {
+class AccessibleCell : public QAccessibleInterface,
+                       public QAccessibleTableCellInterface,
+                       public QAccessibleActionInterface,
+                       public AccessibleLine {
   public:
-    CellAccess(QTableView& view, int row, int column) : mView(&view), mRow(row), mColumn(column) {}
+    AccessibleCell(ListView& view, int row, int column)
+        : mView(&view), mRow(row), mColumn(column) {}
 
     bool isValid() const override {
         const QAbstractItemModel* model = mView ? mView->model() : nullptr;
@@ -33,7 +33,7 @@ class CellAccess : public QAccessibleInterface,
     QAccessible::Role role() const override;
     QAccessible::State state() const override;
     QRect rect() const override;
-    using LineText::text;
+    using AccessibleLine::text;
     QString text(QAccessible::Text kind) const override;
     void setText(QAccessible::Text, const QString& text) override {
         if (IsEditable()) mView->model()->setData(Index(), text);
@@ -76,11 +76,11 @@ class CellAccess : public QAccessibleInterface,
     QModelIndex Index() const { return mView->model()->index(mRow, mColumn); }
     bool IsEditable() const { return isValid() && Index().flags().testFlag(Qt::ItemIsEditable); }
 
-    QPointer<QTableView> mView;
+    QPointer<ListView> mView;
     int mRow, mColumn;
 };
 
-void* CellAccess::interface_cast(QAccessible::InterfaceType type) {
+void* AccessibleCell::interface_cast(QAccessible::InterfaceType type) {
     switch (type) {
         case QAccessible::TableCellInterface:
             return static_cast<QAccessibleTableCellInterface*>(this);
@@ -96,12 +96,12 @@ void* CellAccess::interface_cast(QAccessible::InterfaceType type) {
     }
 }
 
-QAccessible::Role CellAccess::role() const {
+QAccessible::Role AccessibleCell::role() const {
     if (mRow < 0) return QAccessible::ColumnHeader;
     return mColumn < 0 ? QAccessible::RowHeader : QAccessible::Cell;
 }
 
-QAccessible::State CellAccess::state() const {
+QAccessible::State AccessibleCell::state() const {
     QAccessible::State state;
     if (!isValid() || role() != QAccessible::Cell) return state;
     state.selectable = state.focusable = true;
@@ -112,7 +112,7 @@ QAccessible::State CellAccess::state() const {
     return state;
 }
 
-QRect CellAccess::rect() const {
+QRect AccessibleCell::rect() const {
     if (!isValid() || mColumn < 0) return {};
     const QHeaderView* header = mView->horizontalHeader();
     if (mRow < 0)
@@ -122,7 +122,7 @@ QRect CellAccess::rect() const {
     return {mView->viewport()->mapToGlobal(place.topLeft()), place.size()};
 }
 
-QString CellAccess::text(QAccessible::Text kind) const {
+QString AccessibleCell::text(QAccessible::Text kind) const {
     if (!isValid() || mColumn < 0) return {};
     if (mRow < 0)
         return kind == QAccessible::Name
@@ -140,25 +140,25 @@ QString CellAccess::text(QAccessible::Text kind) const {
     }
 }
 
-QList<QAccessibleInterface*> CellAccess::columnHeaderCells() const {
+QList<QAccessibleInterface*> AccessibleCell::columnHeaderCells() const {
     return {table()->child(mColumn + 1)};
 }
 
-QStringList CellAccess::actionNames() const {
+QStringList AccessibleCell::actionNames() const {
     if (!isValid() || role() != QAccessible::Cell) return {};
     return IsEditable() ? QStringList{setFocusAction(), pressAction()}
                         : QStringList{setFocusAction()};
 }
 
-void CellAccess::doAction(const QString& name) {
+void AccessibleCell::doAction(const QString& name) {
     if (!actionNames().contains(name)) return;
     mView->setFocus();
-    SelectRow(*mView, mRow);
-    if (name == pressAction()) EditRow(*mView, mRow);
+    mView->SelectRow(mRow);
+    if (name == pressAction()) mView->EditRow(mRow);
 }
 
 }  // namespace
 
-QAccessibleInterface* NewCellAccess(QTableView& view, int row, int column) {
-    return new CellAccess(view, row, column);
+QAccessibleInterface* NewAccessibleCell(ListView& view, int row, int column) {
+    return new AccessibleCell(view, row, column);
 }

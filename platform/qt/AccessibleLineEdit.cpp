@@ -1,22 +1,23 @@
-#include "platform/qt/LineAccess.h"
+#include "platform/qt/AccessibleLineEdit.h"
 
 #include <QAccessibleWidget>
 #include <QLineEdit>
 #include <QTextLayout>
 #include <algorithm>
 
-#include "platform/qt/LineText.h"
+#include "platform/qt/AccessibleLine.h"
+#include "platform/qt/LineEdit.h"
 
 namespace {
 
-class LineAccess : public QAccessibleWidget, public LineText {
+class AccessibleLineEdit : public QAccessibleWidget, public AccessibleLine {
   public:
-    explicit LineAccess(QLineEdit& line)
+    explicit AccessibleLineEdit(QLineEdit& line)
         : QAccessibleWidget(&line, QAccessible::EditableText), mLine(line) {}
 
     void* interface_cast(QAccessible::InterfaceType type) override;
     QAccessible::State state() const override;
-    using LineText::text;
+    using AccessibleLine::text;
     QString text(QAccessible::Text kind) const override {
         return kind == QAccessible::Value ? mLine.text() : QAccessibleWidget::text(kind);
     }
@@ -48,14 +49,14 @@ class LineAccess : public QAccessibleWidget, public LineText {
     // As an edit by keyboard, which can be undone.
     void Replace(int start, int length, const QString& text) override {
         mLine.setSelection(start, length);
-        mLine.insert(text);
+        mLine.insert(OneLine(text));
     }
 
   private:
     QLineEdit& mLine;
 };
 
-void* LineAccess::interface_cast(QAccessible::InterfaceType type) {
+void* AccessibleLineEdit::interface_cast(QAccessible::InterfaceType type) {
     switch (type) {
         case QAccessible::TextInterface:
             return static_cast<QAccessibleTextInterface*>(this);
@@ -66,19 +67,19 @@ void* LineAccess::interface_cast(QAccessible::InterfaceType type) {
     }
 }
 
-QAccessible::State LineAccess::state() const {
+QAccessible::State AccessibleLineEdit::state() const {
     QAccessible::State state = QAccessibleWidget::state();
     state.editable = state.selectableText = true;
     return state;
 }
 
-void LineAccess::selection(int index, int* start, int* end) const {
+void AccessibleLineEdit::selection(int index, int* start, int* end) const {
     const bool selected = index == 0 && mLine.hasSelectedText();
     *start = selected ? mLine.selectionStart() : 0;
     *end = selected ? mLine.selectionEnd() : 0;
 }
 
-void LineAccess::setSelection(int index, int start, int end) {
+void AccessibleLineEdit::setSelection(int index, int start, int end) {
     if (index != 0) return;
     const int size = characterCount();
     start = std::clamp(start, 0, size);
@@ -86,7 +87,7 @@ void LineAccess::setSelection(int index, int start, int end) {
 }
 
 // The distances from the caret's place, which Qt tells.
-QRect LineAccess::characterRect(int offset) const {
+QRect AccessibleLineEdit::characterRect(int offset) const {
     if (offset < 0 || offset >= characterCount()) return {};
     QTextLayout layout(mLine.displayText(), mLine.font());
     layout.beginLayout();
@@ -103,10 +104,10 @@ QRect LineAccess::characterRect(int offset) const {
 QAccessibleInterface* Create(const QString&, QObject* object) {
     auto* line = qobject_cast<QLineEdit*>(object);
     return line != nullptr && line->echoMode() == QLineEdit::Normal && !line->isReadOnly()
-               ? new LineAccess(*line)
+               ? new AccessibleLineEdit(*line)
                : nullptr;
 }
 
 }  // namespace
 
-void InstallLineAccess() { QAccessible::installFactory(Create); }
+void InstallAccessibleLineEdit() { QAccessible::installFactory(Create); }

@@ -7,6 +7,6 @@ namespace FileTypes1 {
 FileType& BinFile();
 FileType& InstSet();
 
-// Sets and registers all of them. Call it once, before the window exists.
+// Describes and registers all types. Call it once, before the window exists.
 void Initialize();
 }  // namespace FileTypes1

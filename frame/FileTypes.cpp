@@ -1,4 +1,4 @@
-#include "frame/FileTypes1.h"
+#include "frame/FileTypes.h"
 
 namespace FileTypes1 {
 

@@ -9,8 +9,8 @@
 #include "Testing.h"
 
 // The window with a tool and some images, of which a setting file loads the list.
-struct Job {
-    explicit Job(const QByteArray& setting = "up,a.bin,1\nup,b.bin,2\nup,c.bin,3") {
+struct LoadedWindow {
+    explicit LoadedWindow(const QByteArray& setting = "up,a.bin,1\nup,b.bin,2\nup,c.bin,3") {
         for (const char* name : {"a.bin", "b.bin", "c.bin", "a b.bin", "テ.bin", "sub/a.bin"})
             folder.Write(name, "1");
         Load(setting);

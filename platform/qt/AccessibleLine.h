@@ -6,7 +6,7 @@
 // A base for accessible objects. A screen reader may give any numbers as offsets: those outside the
 // text stand for its nearest end in an edit, and there is no part of the text at them. Qt's
 // defaults for the parts never return for some offsets, such as that of the end of the text.
-class LineText : public QAccessibleTextInterface, public QAccessibleEditableTextInterface {
+class AccessibleLine : public QAccessibleTextInterface, public QAccessibleEditableTextInterface {
   public:
     QString text(int start, int end) const override;
     int characterCount() const override { return static_cast<int>(WholeText().size()); }

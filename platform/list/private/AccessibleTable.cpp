@@ -1,25 +1,24 @@
-#include "platform/list/private/ListAccess.h"
+#include "platform/list/private/AccessibleTable.h"
 
 #include <QAccessibleWidget>
 #include <QHash>
 #include <QHeaderView>
-#include <QTableView>
 #include <utility>
 
-#include "platform/list/private/CellAccess.h"
+#include "platform/list/private/AccessibleCell.h"
 #include "platform/list/private/ListView.h"
 
 namespace {
 
 // The children are counted as Qt's view counts them in what it announces: a row of headings first,
 // and a heading before each row.
-class TableAccess : public QAccessibleWidget, public QAccessibleTableInterface {
+class AccessibleTable : public QAccessibleWidget, public QAccessibleTableInterface {
   public:
-    explicit TableAccess(QTableView& view)
+    explicit AccessibleTable(ListView& view)
         : QAccessibleWidget(&view, QAccessible::Table), mView(view) {}
-    TableAccess(const TableAccess&) = delete;
-    TableAccess& operator=(const TableAccess&) = delete;
-    ~TableAccess() override {
+    AccessibleTable(const AccessibleTable&) = delete;
+    AccessibleTable& operator=(const AccessibleTable&) = delete;
+    ~AccessibleTable() override {
         for (const QAccessible::Id id : std::as_const(mCells))
             QAccessible::deleteAccessibleInterface(id);
     }
@@ -56,7 +55,7 @@ class TableAccess : public QAccessibleWidget, public QAccessibleTableInterface {
 
     int selectedRowCount() const override { return static_cast<int>(selectedRows().size()); }
     QList<int> selectedRows() const override {
-        const int row = rowCount() > 0 ? SelectedRow(mView) : -1;
+        const int row = rowCount() > 0 ? mView.SelectedRow() : -1;
         return row < 0 ? QList<int>() : QList<int>{row};
     }
     bool isRowSelected(int row) const override { return selectedRows().contains(row); }
@@ -71,7 +70,7 @@ class TableAccess : public QAccessibleWidget, public QAccessibleTableInterface {
         return cells;
     }
     bool selectRow(int row) override {
-        SelectRow(mView, row);
+        mView.SelectRow(row);
         return isRowSelected(row);
     }
     bool unselectRow(int row) override {
@@ -88,25 +87,25 @@ class TableAccess : public QAccessibleWidget, public QAccessibleTableInterface {
         return index.isValid() ? cellAt(index.row(), index.column()) : nullptr;
     }
 
-    QTableView& mView;
+    ListView& mView;
     mutable QHash<int, QAccessible::Id> mCells;  // by child's index; Qt owns them
 };
 
-QAccessibleInterface* TableAccess::child(int index) const {
+QAccessibleInterface* AccessibleTable::child(int index) const {
     if (index < 0 || index >= childCount()) return nullptr;
     if (const auto known = mCells.constFind(index); known != mCells.constEnd())
         return QAccessible::accessibleInterface(*known);
     const int columns = columnCount() + 1;
-    auto* cell = NewCellAccess(mView, index / columns - 1, index % columns - 1);
+    auto* cell = NewAccessibleCell(mView, index / columns - 1, index % columns - 1);
     mCells.insert(index, QAccessible::registerAccessibleInterface(cell));
     return cell;
 }
 
 QAccessibleInterface* Create(const QString&, QObject* object) {
-    QTableView* view = AsListView(object);
-    return view ? new TableAccess(*view) : nullptr;
+    auto* view = dynamic_cast<ListView*>(object);
+    return view ? new AccessibleTable(*view) : nullptr;
 }
 
 }  // namespace
 
-void InstallListAccess() { QAccessible::installFactory(Create); }
+void InstallAccessibleTable() { QAccessible::installFactory(Create); }

@@ -1,4 +1,4 @@
-#include "platform/qt/LineText.h"
+#include "platform/qt/AccessibleLine.h"
 
 #include <QTextBoundaryFinder>
 #include <algorithm>
@@ -56,47 +56,47 @@ QString Tell(const QString& text, Part part, int* start, int* end) {
 
 }  // namespace
 
-QString LineText::text(int start, int end) const {
+QString AccessibleLine::text(int start, int end) const {
     const QString whole = WholeText();
     const int size = static_cast<int>(whole.size());
     start = std::clamp(start, 0, size);
     return whole.mid(start, std::clamp(end, start, size) - start);
 }
 
-QString LineText::textBeforeOffset(int offset, QAccessible::TextBoundaryType type, int* start,
-                                   int* end) const {
+QString AccessibleLine::textBeforeOffset(int offset, QAccessible::TextBoundaryType type, int* start,
+                                         int* end) const {
     const QString whole = WholeText();
     const int size = static_cast<int>(whole.size());
     const int before = offset > size ? 0 : PartAt(whole, offset, type).start;
     return Tell(whole, before > 0 ? PartAt(whole, before - 1, type) : Part{size, size}, start, end);
 }
 
-QString LineText::textAtOffset(int offset, QAccessible::TextBoundaryType type, int* start,
-                               int* end) const {
+QString AccessibleLine::textAtOffset(int offset, QAccessible::TextBoundaryType type, int* start,
+                                     int* end) const {
     const QString whole = WholeText();
     return Tell(whole, PartAt(whole, offset, type), start, end);
 }
 
-QString LineText::textAfterOffset(int offset, QAccessible::TextBoundaryType type, int* start,
-                                  int* end) const {
+QString AccessibleLine::textAfterOffset(int offset, QAccessible::TextBoundaryType type, int* start,
+                                        int* end) const {
     const QString whole = WholeText();
     const int size = static_cast<int>(whole.size());
     const int after = PartAt(whole, offset, type).end;
     return Tell(whole, after < size ? PartAt(whole, after, type) : Part{size, size}, start, end);
 }
 
-QString LineText::attributes(int, int* start, int* end) const {
+QString AccessibleLine::attributes(int, int* start, int* end) const {
     *start = 0;
     *end = characterCount();
     return {};
 }
 
-void LineText::insertText(int at, const QString& text) {
+void AccessibleLine::insertText(int at, const QString& text) {
     at = std::max(at, 0);
     replaceText(at, at, text);
 }
 
-void LineText::replaceText(int start, int end, const QString& text) {
+void AccessibleLine::replaceText(int start, int end, const QString& text) {
     const int size = characterCount();
     start = std::clamp(start, 0, size);
     end = end < 0 ? size : std::clamp(end, start, size);

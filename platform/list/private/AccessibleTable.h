@@ -3,4 +3,4 @@
 
 // From now on the program's lists are tables whose editable cells are editable texts. Qt's own
 // interface of a table has no way to edit a cell on Linux.
-void InstallListAccess();
+void InstallAccessibleTable();

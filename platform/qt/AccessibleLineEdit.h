@@ -2,5 +2,5 @@
 #pragma once
 
 // From now on each QLineEdit that the user can edit, in dialogs and lists too, has an accessible
-// object of the program's. Qt's own never returns from some questions; see LineText.
-void InstallLineAccess();
+// object of the program's. Qt's own never returns from some questions; see AccessibleLine.
+void InstallAccessibleLineEdit();

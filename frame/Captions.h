@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-// Captions that can be translated; the empty language is the user's.
+// The captions that can be translated. An empty language means that of the user.
 namespace Module1 {
 std::string kConnect(std::string_view language);
 std::string kDisconnect(std::string_view language);

@@ -1,0 +1,440 @@
+// A user who does anything at all with the window: keys, mouse, wheel, input methods, sizes, runs,
+// a screen reader. After each step the window must still be right (see Oracle).
+//
+// Usage: RandomUser STEPS SEED...
+// Each seed has a process of its own. A crash, a report of a sanitizer, a step that takes a minute
+// and a window that is wrong end it, and are told with the seed, the step and the last moves.
+//
+// Nothing that is typed here is ever run: Start replaces it by a command of kCommands. And what has
+// an event loop of its own, such as a dialog, is closed at once, since dialogs can delete files.
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <QAccessible>
+#include <QClipboard>
+#include <QInputMethodEvent>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QPlainTextEdit>
+#include <QPointer>
+#include <QTableView>
+#include <QTextBlock>
+#include <QThread>
+#include <QTimer>
+#include <QWheelEvent>
+#include <QWindow>
+#include <array>
+#include <random>
+
+#include "tests/Testing.h"
+
+namespace {
+
+constexpr const char* kCommands[] = {"echo a; echo b",
+                                     "printf %9999d 1",
+                                     "printf '\\377\\r1 %%\\r'",
+                                     "read x",
+                                     "trap '' TERM; echo x; read x",
+                                     "("};
+constexpr Qt::Key kKeys[] = {
+    Qt::Key_Tab,   Qt::Key_Backtab,   Qt::Key_Return, Qt::Key_Space,    Qt::Key_Escape, Qt::Key_Up,
+    Qt::Key_Down,  Qt::Key_Left,      Qt::Key_Right,  Qt::Key_Home,     Qt::Key_End,    Qt::Key_F2,
+    Qt::Key_Menu,  Qt::Key_Backspace, Qt::Key_Delete, Qt::Key_PageDown, Qt::Key_F10,    Qt::Key_A,
+    Qt::Key_C,     Qt::Key_V,         Qt::Key_X,      Qt::Key_Y,        Qt::Key_Z,      Qt::Key_9,
+    Qt::Key_Enter, Qt::Key_Period,    Qt::Key_Shift,  Qt::Key_Alt};
+constexpr Qt::KeyboardModifier kHeld[] = {Qt::NoModifier,      Qt::NoModifier,    Qt::NoModifier,
+                                          Qt::ControlModifier, Qt::ShiftModifier, Qt::AltModifier};
+constexpr const char* kTexts[] = {"",           "0x10", " ",        "a\u0301",
+                                  "\U0001F600", "\n",   "ab cd. E", "ガ,\r\n"};
+constexpr Qt::MouseButton kButtons[] = {Qt::LeftButton, Qt::LeftButton, Qt::RightButton,
+                                        Qt::MiddleButton};
+
+// What the process of a seed tells the one that started it, in memory that both share.
+struct Report {
+    int step;
+    std::array<std::array<char, 60>, 10> moves;  // the last ones
+    std::array<char, 1000> wrong;
+    std::array<long, 8> counts;  // of each kind of move
+};
+Report* report = nullptr;
+
+template <std::size_t size>
+void Copy(const QString& text, std::array<char, size>& place) {
+    qstrncpy(place.data(), text.toUtf8().constData(), size);
+}
+
+void Expect(bool isRight, const char* what, const QString& where) {
+    if (isRight) return;
+    Copy(QString(what) + ": " + where, report->wrong);
+    _exit(1);
+}
+
+// Knows what is right. It is asked after each step, and when something acts in the middle of one.
+class Oracle {
+  public:
+    explicit Oracle(OpenedWindow& opened)
+        : mWindow(opened.window),
+          mList(opened.Widget<QTableView>("ulb")),
+          mLines{opened.Widget<QLineEdit>("ResetEF"), opened.Widget<QLineEdit>("AddressEF")} {
+        for (TextArea* area :
+             {&mWindow.rEF(), &mWindow.UploadEF(), &mWindow.EspToolEF(), &mWindow.InstallEF()})
+            mAreas += {area, opened.Widget<QPlainTextEdit>(area->Name().c_str())};
+    }
+
+    void BeforeStep() {
+        mBefore = Text(mWindow.InstallEF());
+        mEditsCommand = CommandHasFocus();
+    }
+    // The user edits the command, or gives up the edit of a cell.
+    void EditsCommand() { mEditsCommand = true; }
+    void GivesUp() {
+        if (mEditor != nullptr && mEditor->hasFocus()) mCell = QModelIndex();
+    }
+
+    // A button or a choice acts.
+    void OnAction() {
+        Expect(OpenEditor() == nullptr, "acts before the edit is taken over", mTyped);
+        JudgeEdit();
+    }
+    // What the shell is given now is what the window shows.
+    void OnStart() {
+        OnAction();
+        JudgeCommand();
+    }
+
+    void AfterStep() {
+        for (const auto& [area, pane] : mAreas) JudgePane(*area, *pane);
+        for (const QLineEdit* line : mLines) {
+            Expect(line->cursorPosition() <= line->text().size(), "cursor", line->objectName());
+            Expect(!line->text().contains('\n'), "line end", line->objectName());
+        }
+        JudgeFocus();
+        JudgeEdit();
+        JudgeCommand();
+        Follow(OpenEditor());
+    }
+
+  private:
+    static QString Text(const TextEdit& text) { return QString::fromStdString(text.Text()); }
+
+    bool CommandHasFocus() const {
+        const QWidget* focus = QApplication::focusWidget();
+        // The items of a menu act on the text that it was opened for.
+        if (QApplication::activePopupWidget() != nullptr || qobject_cast<const QMenuBar*>(focus))
+            return mEditsCommand;
+        return focus != nullptr && focus->objectName() == "InstallEF";
+    }
+
+    QLineEdit* OpenEditor() const {
+        for (auto* editor : mList->viewport()->findChildren<QLineEdit*>())
+            if (editor->isVisible()) return editor;
+        return nullptr;
+    }
+
+    void Follow(QLineEdit* editor) {
+        if (editor == nullptr) return;
+        mTyped = editor->text();
+        mCell = mList->indexAt(editor->geometry().center());
+        if (editor == std::exchange(mEditor, editor)) return;
+        QObject::connect(editor, &QLineEdit::textChanged, editor,
+                         [this](const QString& text) { mTyped = text; });
+    }
+
+    // A text field draws its text, line for line. What an input method composes isn't part of it.
+    void JudgePane(const TextArea& area, const QPlainTextEdit& pane) const {
+        const QTextCursor cursor = pane.textCursor();
+        const int end = pane.document()->characterCount();
+        Expect(cursor.position() < end && cursor.anchor() < end, "cursor", pane.objectName());
+        QStringList drawn;
+        for (QTextBlock line = pane.document()->begin(); line.isValid(); line = line.next())
+            drawn += line.text();
+        // The output has very long lines in several paragraphs.
+        const bool isOutput = &area == &mWindow.rEF();
+        const QString text = isOutput ? Text(area).remove('\n') : Text(area);
+        const QByteArray bytes = drawn.join(isOutput ? "" : "\n").toUtf8();  // halves of pairs too
+        Expect(bytes == text.toUtf8(), "drawn", pane.objectName() + " " + bytes + "| for |" + text);
+    }
+
+    void JudgeFocus() const {
+        const QWidget* focus = QApplication::focusWidget();
+        if (focus == nullptr || focus->window() != mList->window()) return;
+        Expect(focus->isVisible() && focus->isEnabled(), "focus", focus->objectName());
+        // The list keeps the focus while an input method composes the first text of an editor.
+        const QLineEdit* editor = OpenEditor();
+        Expect(editor == nullptr || focus == editor || focus == mList ||
+                   qobject_cast<const QMenuBar*>(focus) != nullptr,
+               "open editor behind", focus->objectName());
+    }
+
+    // The text of an edit that has ended is in its cell, unless the row is gone.
+    void JudgeEdit() {
+        if (!mCell.isValid() || OpenEditor() != nullptr) return;
+        Expect(mCell.data().toString() == mTyped, "edit is lost", mTyped);
+        mCell = QModelIndex();
+    }
+
+    QString Composed() const {
+        QString command = " -vv ";
+        const auto option = [&command](const char* letters, const QString& value) {
+            if (!value.isEmpty()) command += letters + value + ' ';
+        };
+        option("-cd ", Text(mWindow.ResetEF()));
+        option("-cb ", QString::fromStdString(mWindow.BaudPM().Text()));
+        option("-cp /dev/", QString::fromStdString(mWindow.PortPM().Text()));
+        QStringList images;
+        for (int row = 0; row < mList->model()->rowCount(); ++row) {
+            const QString file = mList->model()->index(row, 0).data().toString();
+            const QString address = mList->model()->index(row, 1).data().toString();
+            if (!file.isEmpty() && !address.isEmpty())
+                images += "-ca " + address + " -cf " + file.section('(', 1).chopped(1);
+        }
+        // A half of a surrogate pair comes out as the control's text has it.
+        return QString::fromUtf8((command + images.join(' ')).toUtf8());
+    }
+
+    // The command says what the window shows, unless the user has edited it since.
+    void JudgeCommand() {
+        const QString command = Text(mWindow.InstallEF()), composed = Composed();
+        if (command == composed)
+            mIsEdited = false;
+        else if (mEditsCommand || CommandHasFocus())
+            mIsEdited = true;
+        else
+            Expect(mIsEdited && command == mBefore, "command", command + "| for |" + composed);
+    }
+
+    const EspWin& mWindow;
+    QTableView* mList;
+    QList<QLineEdit*> mLines;
+    QList<std::pair<TextArea*, QPlainTextEdit*>> mAreas;
+    QPointer<QLineEdit> mEditor;
+    QPersistentModelIndex mCell;  // that is edited
+    QString mTyped;               // the text in its editor
+    QString mBefore;              // the command before the step
+    bool mEditsCommand = false, mIsEdited = false;
+};
+
+class RandomUser {
+  public:
+    explicit RandomUser(unsigned seed) : mRandom(seed) {
+        for (const char* name : {"a.bin", "b.bin"}) mFolder.Write(name, "1");
+        mFolder.Write("x.csv", "up,a.bin,1\nup,b.bin,2\ncd,none");
+        mFolder.Ports({"p", "q"});
+        setenv("PATH", "", 1);  // no command finds a program
+        EspWin& window = mOpened.window;
+        auto& start = window.StartPB();
+        start.Action = [this, action = start.Action](PushButton& sender) {
+            mOracle.OnStart();
+            mOpened.window.InstallEF().Text(Any(kCommands));
+            mOracle.EditsCommand();
+            action(sender);
+        };
+        for (auto* button : {&window.SelectPB(), &window.SelectESPPB(), &window.ScanBtn(),
+                             &window.DeletePB(), &window.ConnectPB()})
+            Watch(button->Action);
+        for (auto* popup : {&window.PortPM(), &window.BaudPM(), &window.tooltypePM()})
+            Watch(popup->Change);
+        mCancel.callOnTimeout([] {
+            if (QThread::currentThread()->loopLevel() == 0) return;
+            QWidget* waits = QApplication::activePopupWidget();
+            if (waits == nullptr) waits = QApplication::activeModalWidget();
+            if (waits != nullptr) waits->close();
+        });
+        mCancel.start(1);
+        QCoreApplication::processEvents();
+    }
+
+    void Step() {
+        using Move = void (RandomUser::*)();
+        constexpr std::pair<int, Move> kMoves[] = {
+            {0, &RandomUser::Press}, {0, &RandomUser::Press},  {1, &RandomUser::Mouse},
+            {1, &RandomUser::Mouse}, {2, &RandomUser::Type},   {3, &RandomUser::Resize},
+            {4, &RandomUser::Wheel}, {5, &RandomUser::Listen}, {5, &RandomUser::Listen},
+            {6, &RandomUser::Load},  {7, &RandomUser::Copy}};
+        mOracle.BeforeStep();
+        const auto [kind, move] = Any(kMoves);
+        ++report->counts[static_cast<std::size_t>(kind)];
+        (this->*move)();
+        QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents();  // what a timer has posted meanwhile
+        mOracle.AfterStep();
+    }
+
+  private:
+    template <class Sender>
+    void Watch(std::function<void(Sender&)>& event) {
+        event = [this, handler = event](Sender& sender) {
+            mOracle.OnAction();
+            handler(sender);
+        };
+    }
+
+    int Below(int limit) { return static_cast<int>(mRandom() % static_cast<unsigned>(limit)); }
+    template <class T, std::size_t size>
+    T Any(const T (&values)[size]) {
+        return values[Below(static_cast<int>(size))];
+    }
+    int Odd() {
+        const int numbers[] = {-2, -1, 0, 1, 7, Below(99), INT_MAX, INT_MIN};
+        return Any(numbers);
+    }
+    // Anywhere in the window, or the middle of a control or of a cell.
+    QPoint Place() {
+        const auto* list = mOpened.Widget<QTableView>("ulb");
+        const auto controls = list->parentWidget()->children();
+        switch (Below(3)) {
+            case 0:
+                return {Below(mOpened.frame->width()), Below(mOpened.frame->height())};
+            case 1: {
+                auto* control = static_cast<QWidget*>(controls[Below(int(controls.size()))]);
+                return control->mapTo(mOpened.frame, control->rect().center());
+            }
+            default: {
+                const QModelIndex cell = list->model()->index(Below(2), Below(2));
+                return list->viewport()->mapTo(mOpened.frame, list->visualRect(cell).center());
+            }
+        }
+    }
+    static void Note(const QString& move) {
+        auto& place = report->moves[static_cast<std::size_t>(report->step) % report->moves.size()];
+        const QWidget* focus = QApplication::focusWidget();
+        ::Copy(move + (focus ? " in " + focus->objectName() : ""), place);
+    }
+
+    void Press() {
+        const QKeyCombination keys = Any(kHeld) | Any(kKeys);
+        Note("key " + QKeySequence(keys).toString());
+        if (keys.key() == Qt::Key_Escape) mOracle.GivesUp();
+        if (TakesKeys()) Key(keys.key(), keys.keyboardModifiers());
+    }
+    void Type() {
+        QInputMethodEvent event(Any(kTexts), {});
+        event.setCommitString(Any(kTexts), -Below(3), Below(3));
+        Note("composes " + event.preeditString() + ", commits " + event.commitString());
+        if (TakesKeys()) QCoreApplication::sendEvent(TakesKeys(), &event);
+    }
+    void Copy() {
+        const char* text = Any(kTexts);
+        Note(QString("copies ") + text);
+        QApplication::clipboard()->setText(text);
+    }
+    void Mouse() {
+        QWindow* window = mOpened.frame->windowHandle();
+        const auto button = Any(kButtons);
+        const auto held = Any(kHeld);
+        const QPoint at = Place();
+        Note(QString("mouse button %1 at %2, %3").arg(button).arg(at.x()).arg(at.y()));
+        if (mOpened.Widget<QWidget>("InstallEF")->isAncestorOf(mOpened.frame->childAt(at)))
+            mOracle.EditsCommand();
+        QTest::mousePress(window, button, held, at);
+        if (Below(2) != 0) QTest::mouseMove(window, Place());
+        QTest::mouseRelease(window, button, held, Place());
+        if (Below(4) == 0) QTest::mouseDClick(window, button, held, Place());
+    }
+    void Wheel() {
+        const QPoint at = Place();
+        QWidget* under = mOpened.frame->childAt(at);
+        QWheelEvent turn(at, at, {}, {0, Below(2) != 0 ? 120 : -1200}, {}, Any(kHeld),
+                         Qt::NoScrollPhase, false);
+        Note("wheel");
+        if (under != nullptr) QCoreApplication::sendEvent(under, &turn);
+    }
+    void Resize() {
+        const QSize size(64 + Below(800), 64 + Below(800));
+        Note(QString("size %1, %2").arg(size.width()).arg(size.height()));
+        mOpened.frame->resize(size);
+    }
+    void Load() {
+        Note("load");
+        mOpened.window.SetInstallSetting(mFolder.Item("x.csv"));
+        if (Below(2) != 0) mOpened.window.esptool().Stop();
+    }
+
+    // A screen reader, at a random widget or a cell of it.
+    void Listen() {
+        const auto widgets = mOpened.frame->findChildren<QWidget*>();
+        QWidget* widget = widgets[Below(int(widgets.size()))];
+        Note("screen reader at " + widget->objectName());
+        if (widget->objectName() == "InstallEF") mOracle.EditsCommand();
+        auto* access = QAccessible::queryAccessibleInterface(widget);
+        if (access == nullptr) return;
+        if (auto* table = access->tableInterface()) {
+            table->selectRow(Odd());
+            access->child(Odd());  // Qt's own menus crash at numbers outside
+            access = table->cellAt(Odd(), Odd());
+            if (access == nullptr) return;
+        }
+        access->state();
+        access->rect();
+        for (int kind = QAccessible::Name; kind <= QAccessible::Accelerator; ++kind)
+            access->text(static_cast<QAccessible::Text>(kind));
+        access->childAt(Odd(), Odd());
+        if (auto* action = access->actionInterface(); action != nullptr && Below(4) == 0)
+            for (const QString& name : action->actionNames()) action->doAction(name);
+        else if (auto* text = access->textInterface())
+            // Of a text that is only read, Qt offers the editing too.
+            Listen(*text, access->state().readOnly ? nullptr : access->editableTextInterface());
+    }
+    void Listen(QAccessibleTextInterface& text, QAccessibleEditableTextInterface* edit) {
+        int start = 0, end = 0;
+        const int at = Below(2) != 0 ? Odd() : text.characterCount() - 1 + Below(4);
+        const auto type = static_cast<QAccessible::TextBoundaryType>(Below(6));
+        text.textBeforeOffset(at, type, &start, &end);
+        text.textAtOffset(at, type, &start, &end);
+        text.textAfterOffset(at, type, &start, &end);
+        text.attributes(at, &start, &end);
+        text.characterRect(at);
+        text.offsetAtPoint({Odd(), Odd()});
+        text.text(Odd(), Odd());
+        text.setCursorPosition(Odd());
+        text.setSelection(Odd(), Odd(), Odd());
+        text.selection(Odd(), &start, &end);
+        text.removeSelection(Odd());
+        if (edit != nullptr) edit->replaceText(Odd(), Odd(), Any(kTexts));
+        if (edit != nullptr) edit->insertText(Odd(), Any(kTexts));
+    }
+
+    std::mt19937 mRandom;
+    PreparedFolder mFolder{"a/b/base"};
+    OpenedWindow mOpened;
+    Oracle mOracle{mOpened};
+    QTimer mCancel;
+};
+
+int Use(unsigned seed, int steps) {
+    return WithProgram([=] {
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
+        RandomUser user(seed);
+        for (report->step = 1; report->step <= steps; ++report->step) {
+            alarm(60);
+            user.Step();
+        }
+        return 0;
+    });
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+    const int steps = count > 2 ? std::atoi(arguments[1]) : 0;
+    report = static_cast<Report*>(
+        mmap(nullptr, sizeof *report, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
+    bool failed = steps <= 0;
+    for (int i = 2; i < count && !failed; ++i) {
+        report->wrong = {};
+        const pid_t child = fork();
+        if (child == 0) return Use(static_cast<unsigned>(std::atoi(arguments[i])), steps);
+        int status = 0;
+        waitpid(child, &status, 0);
+        failed = status != 0;
+        if (!failed) continue;
+        std::fprintf(stderr, "seed %s, step %d, status %d\n%s\n", arguments[i], report->step,
+                     status, report->wrong.data());
+        for (int move = std::max(1, report->step - 9); move <= report->step; ++move)
+            std::fprintf(stderr, "%d: %s\n", move, report->moves[move % 10].data());
+    }
+    for (const long moves : report->counts) std::printf("%ld ", moves);
+    std::puts("keys, clicks, compositions, sizes, wheels, screen readers, loads, copies");
+    return failed ? 1 : 0;
+}
