@@ -1,5 +1,5 @@
 // Makes an image for the demo folder: bytes of every value, the same ones for the same seed on
-// every machine, so that an image at a wrong place or cut short cannot pass for the right one.
+// every machine. So an image at a wrong place, or one cut short, can't pass for the right one.
 
 #include <cstdlib>
 #include <fstream>

@@ -58,7 +58,7 @@ Image readImage(std::size_t address, const std::string& file) {
     return image;
 }
 
-// Reads the images too, so that a job which cannot be done whole writes nothing.
+// Reads the images too, so that a job that can't be done as a whole writes nothing.
 Job parse(const std::vector<std::string>& words) {
     Job job;
     std::size_t address = noAddress;
@@ -118,7 +118,7 @@ void write(const Image& image, unsigned long baud, std::vector<char>& flash) {
               flash.begin() + static_cast<std::ptrdiff_t>(image.address));
 }
 
-// The file gets its name when it is whole: where it stands, the job is done.
+// The file gets its name when it is whole. So where the file exists, the job is done.
 void save(const std::vector<char>& flash, const std::filesystem::path& file) {
     std::filesystem::path unfinished = file;
     unfinished += ".part";

@@ -1,4 +1,4 @@
-// The command: when it is composed, and how it reaches the tool.
+// The command: when the window composes it, and how the tool gets it.
 #include <QPlainTextEdit>
 
 #include "Testing.h"
@@ -9,7 +9,7 @@ Q_DECLARE_METATYPE(Change)
 class CommandTest : public QObject {
     Q_OBJECT
   private slots:
-    // Each change composes anew, over a hand edit. @ is the base folder.
+    // Each change composes the command anew and discards a hand edit. @ is the base folder.
     void AChangeComposes_data() {
         QTest::addColumn<Change>("change");
         QTest::addColumn<QString>("command");
@@ -56,7 +56,8 @@ class CommandTest : public QObject {
         QTRY_COMPARE(opened.Widget<QPlainTextEdit>("InstallEF")->toPlainText(), expected);
     }
 
-    // Characters that a text control replaces or takes for line ends, and bytes that are no text.
+    // Paths with characters that a text control replaces or takes for line ends, and with bytes
+    // that are no UTF-8.
     void ExoticPathsReachTheTool() {
         const PreparedFolder folder(
             "n\u00A0r\rp\u2029l\u2028 n\n'q' \"$HOME\" `id` $(id) ~ \\*?;&|#");
@@ -67,7 +68,7 @@ class CommandTest : public QObject {
         OpenedWindow opened;
         opened.window.SetUploadFileToList(std::make_shared<FolderItem>(image), "0");
         opened.window.MakeCommand();
-        // Looking at it changes nothing.
+        // Selecting and copying the command changes nothing.
         auto* field = opened.Widget<QPlainTextEdit>("InstallEF");
         QTest::mouseClick(field->viewport(), Qt::LeftButton);
         QTest::keyClick(field, Qt::Key_A, Qt::ControlModifier);

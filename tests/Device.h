@@ -15,7 +15,7 @@ struct Device {
     }
     ~Device() { close(fd); }
 
-    // Whether a program has the port open. It has been open once.
+    // True while a program has the port open. Ask only after the port was opened once.
     bool InUse() const {
         pollfd line{fd, 0, 0};
         return poll(&line, 1, 0) == 0;

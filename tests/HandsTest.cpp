@@ -74,7 +74,7 @@ class HandsTest : public QObject {
         Type("xy");
         job.TabTo("ulb");
         Press({Qt::Key_Down, Qt::Key_Return, Qt::Key_9, Qt::Key_0, Qt::Key_Return});
-        QCoreApplication::processEvents();  // an edit ends after its key
+        QCoreApplication::processEvents();  // the editor closes in a later turn
         Key(Qt::Key_Down);
         job.TabTo("DeletePB");
         Key(Qt::Key_Space);
@@ -209,7 +209,7 @@ class HandsTest : public QObject {
         QCOMPARE(job.Runs(), 2);
     }
 
-    // What stands in the cell is what Start runs, whatever came between.
+    // Start runs the text that the cell shows, whatever the user did in between.
     void AnEditIsTakenOver_data() {
         QTest::addColumn<Way>("way");
         const auto row = [](const char* what, const Way& way) { QTest::newRow(what) << way; };
@@ -308,7 +308,7 @@ class HandsTest : public QObject {
         QVERIFY(job.Arguments().startsWith("<-cd><a><b>"));
     }
 
-    // A key that comes while an input method is composing.
+    // The user presses a key while an input method is composing.
     void AKeyEndsAComposition_data() {
         const auto row =
             Columns<QString, QString, QKeyCombination, QString>("in", "committed", "key", "text");

@@ -166,7 +166,7 @@ class ListTest : public QObject {
         QVERIFY(colour(2, 0) != 0xFFD2FFF3 && colour(1, 0) == 0xFFD2EDF5);
     }
 
-    // A file's empty address cell shows a hint, which is no part of its text.
+    // An empty address cell beside a file shows a hint, which isn't part of its text.
     void Hint() {
         const LoadedWindow job("up,a.bin\nup,b.bin");
         const auto isPlain = [&job](int row) {
@@ -180,7 +180,7 @@ class ListTest : public QObject {
         QVERIFY(job.Column(0)[0].isEmpty() && isPlain(0));
     }
 
-    // As a screen reader sees and edits it.
+    // A screen reader reads and edits the list.
     void Access() {
         const LoadedWindow job;
         auto* list = QAccessible::queryAccessibleInterface(job.view);
@@ -206,7 +206,7 @@ class ListTest : public QObject {
         QVERIFY(!cell->isValid() && !cell->state().selected);
     }
 
-    // What a screen reader asks of a line of text. SIGALRM ends the test if an answer never comes.
+    // A screen reader's questions about a line of text. SIGALRM ends the test if no answer comes.
     void AccessToText_data() {
         const auto row = Columns<bool, bool>("list", "editor");
         row("a field", false, true);

@@ -8,7 +8,7 @@
 
 #include "Testing.h"
 
-// The window with a tool and some images, of which a setting file loads the list.
+// The window with a tool and some images. A setting file has loaded the list.
 struct LoadedWindow {
     explicit LoadedWindow(const QByteArray& setting = "up,a.bin,1\nup,b.bin,2\nup,c.bin,3") {
         for (const char* name : {"a.bin", "b.bin", "c.bin", "a b.bin", "テ.bin", "sub/a.bin"})
@@ -46,7 +46,7 @@ struct LoadedWindow {
     void Click(int row, int column, Qt::KeyboardModifiers held = {}) const {
         QTest::mouseClick(Desktop(), Qt::LeftButton, held, InWindow(row, column));
     }
-    // With so many milliseconds before the first key and before each of the others.
+    // Types. `before` and `between` are milliseconds before the first key and before the others.
     void Type(const QString& text, int before = 0, int between = 0) const {
         for (const QChar c : text) {
             QTest::qWait(std::exchange(before, between));

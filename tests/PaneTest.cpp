@@ -8,7 +8,7 @@
 
 namespace {
 
-// How often widgets were asked to lay themselves out while it lives.
+// Counts the requests for a new layout during its life.
 class LayoutRequests : public QObject {
   public:
     LayoutRequests() { qApp->installEventFilter(this); }
@@ -60,8 +60,7 @@ class PaneTest : public QObject {
         QCOMPARE(QApplication::clipboard()->text().toStdString(), "Install ...." + printed);
     }
 
-    // A command of any length is edited as the text that it is: a line is a paragraph, and nothing
-    // else is.
+    // However long the command is, a line of it is one paragraph of the document.
     void LongCommand() {
         const OpenedWindow opened;
         const QString command = QString(9'000, 'x') + "\nnext";
@@ -83,7 +82,7 @@ class PaneTest : public QObject {
         QCOMPARE(text(), QString(8'190, 'x') + "yz" + QString(800, 'x') + "\nnext");
         while (field->document()->isUndoAvailable()) field->undo();
         QCOMPARE(text(), command);
-        // Whatever key ends a line, and however long the lines are that are pasted.
+        // Return and Shift+Return begin a new line, and so does a pasted line end.
         const QString pasted = "a" + QString(9'000, QChar(0x301)) + "\nbxy";
         QApplication::clipboard()->setText(pasted);
         Key(Qt::Key_A, Qt::ControlModifier);
@@ -99,7 +98,7 @@ class PaneTest : public QObject {
         QCOMPARE(text(), pasted);
     }
 
-    // The newest of it, byte for byte.
+    // The pane keeps the newest output, byte for byte.
     void OutputWithoutEnd_data() {
         const auto row =
             Columns<QByteArray, int, int, int>("piece", "pieces", "lines", "characters");
@@ -121,8 +120,8 @@ class PaneTest : public QObject {
         QVERIFY(kept.count('\n') < lines && kept.size() <= characters);
     }
 
-    // Where a scroll bar leaves no room for the text that needs it, Qt would show and hide it for
-    // ever.
+    // In a very narrow pane the scroll bar leaves no room for the text, and Qt would show and hide
+    // it for ever.
     void AnyWidth() {
         const OpenedWindow opened;
         opened.window.EspToolEF().Text("/home/user/esptool/esptool");

@@ -3,10 +3,10 @@
 //
 // Usage: RandomUser STEPS SEED...
 // Each seed has a process of its own. A crash, a report of a sanitizer, a step that takes a minute
-// and a window that is wrong end it, and are told with the seed, the step and the last moves.
+// or a wrong window ends it. Then the program prints the seed, the step and the last moves.
 //
-// Nothing that is typed here is ever run: Start replaces it by a command of kCommands. And what has
-// an event loop of its own, such as a dialog, is closed at once, since dialogs can delete files.
+// No typed text is ever run: Start replaces the command by one of kCommands. Dialogs and menus with
+// an event loop of their own are closed at once, since a dialog can delete files.
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -50,7 +50,7 @@ constexpr const char* kTexts[] = {"",           "0x10", " ",        "a\u0301",
 constexpr Qt::MouseButton kButtons[] = {Qt::LeftButton, Qt::LeftButton, Qt::RightButton,
                                         Qt::MiddleButton};
 
-// What the process of a seed tells the one that started it, in memory that both share.
+// The report of a seed's process, in memory that it shares with the process that started it.
 struct Report {
     int step;
     std::array<std::array<char, 60>, 10> moves;  // the last ones
@@ -70,7 +70,7 @@ void Expect(bool isRight, const char* what, const QString& where) {
     _exit(1);
 }
 
-// Knows what is right. It is asked after each step, and when something acts in the middle of one.
+// Knows what is right. It judges after each step, and whenever something acts in the middle of one.
 class Oracle {
   public:
     explicit Oracle(OpenedWindow& opened)
@@ -97,7 +97,7 @@ class Oracle {
         Expect(OpenEditor() == nullptr, "acts before the edit is taken over", mTyped);
         JudgeEdit();
     }
-    // What the shell is given now is what the window shows.
+    // The shell must be given the command that the window shows.
     void OnStart() {
         OnAction();
         JudgeCommand();
@@ -141,7 +141,7 @@ class Oracle {
                          [this](const QString& text) { mTyped = text; });
     }
 
-    // A text field draws its text, line for line. What an input method composes isn't part of it.
+    // A text field draws its text, line for line. A composition isn't part of the text.
     void JudgePane(const TextArea& area, const QPlainTextEdit& pane) const {
         const QTextCursor cursor = pane.textCursor();
         const int end = pane.document()->characterCount();
@@ -167,7 +167,7 @@ class Oracle {
                "open editor behind", focus->objectName());
     }
 
-    // The text of an edit that has ended is in its cell, unless the row is gone.
+    // After an edit the typed text is in its cell, unless the row is gone.
     void JudgeEdit() {
         if (!mCell.isValid() || OpenEditor() != nullptr) return;
         Expect(mCell.data().toString() == mTyped, "edit is lost", mTyped);
@@ -257,7 +257,7 @@ class RandomUser {
         ++report->counts[static_cast<std::size_t>(kind)];
         (this->*move)();
         QCoreApplication::processEvents();
-        QCoreApplication::sendPostedEvents();  // what a timer has posted meanwhile
+        QCoreApplication::sendPostedEvents();  // a timer may have posted some
         mOracle.AfterStep();
     }
 
@@ -373,7 +373,7 @@ class RandomUser {
         if (auto* action = access->actionInterface(); action != nullptr && Below(4) == 0)
             for (const QString& name : action->actionNames()) action->doAction(name);
         else if (auto* text = access->textInterface())
-            // Of a text that is only read, Qt offers the editing too.
+            // Qt offers editing for read-only texts too.
             Listen(*text, access->state().readOnly ? nullptr : access->editableTextInterface());
     }
     void Listen(QAccessibleTextInterface& text, QAccessibleEditableTextInterface* edit) {

@@ -1,5 +1,5 @@
-// What all tests share: the program's start without its window, a prepared folder, and the way to
-// the widgets by their names.
+// Shared by all tests: the program's start without its window, a prepared folder, and the widgets
+// by their names.
 #pragma once
 
 #include <sys/stat.h>
@@ -18,13 +18,13 @@
 #include "platform/application/System.h"
 #include "platform/files/FolderItem.h"
 
-// Shows both texts where they differ.
+// A failed comparison prints both texts.
 template <>
 inline char* QTest::toString(const std::string& text) {
     return qstrdup(text.c_str());
 }
 
-// The whole text, of any number of lines.
+// True if the pattern matches the whole text, of any number of lines.
 inline bool Matches(const QString& text, const QString& pattern) {
     return QRegularExpression("(?s)\\A(?:" + pattern + ")\\z").match(text).hasMatch();
 }
@@ -36,7 +36,7 @@ auto Columns(Names... names) {
     return [](const char* row, const Types&... values) { (QTest::newRow(row) << ... << values); };
 }
 
-// This row's values in these columns, whose types are those given to Columns.
+// Returns this row's values. The types are those given to Columns.
 template <class... Types, class... Names>
 std::tuple<Types...> Row(Names... names) {
     return {*static_cast<Types*>(QTest::qData(names, qMetaTypeId<Types>()))...};
@@ -57,7 +57,7 @@ class PreparedFolder {
         Ports({});
     }
 
-    // The machine's serial ports for as long as the folder is there.
+    // Sets the machine's serial ports until the folder is removed.
     void Ports(const std::vector<std::string>& names) const {
         System().PortNames = [names] { return names; };
     }
@@ -91,7 +91,7 @@ class PreparedFolder {
     QString mPath;
 };
 
-// The widget that gets the next key: in an open popup, else the one with the focus.
+// The widget that gets the next key: the open popup's, or the one with the focus.
 inline QWidget* TakesKeys() {
     QWidget* popup = QApplication::activePopupWidget();
     if (!popup) return QApplication::focusWidget();
@@ -125,7 +125,8 @@ class OpenedWindow {
 
     void Click(const char* name) const { QTest::mouseClick(Widget<QWidget>(name), Qt::LeftButton); }
 
-    // By keyboard: the button stands outside the window. Tells whether it is connected then.
+    // Presses by keyboard, since the button is outside the window. Returns whether the window is
+    // connected then.
     bool PressConnect() const {
         Widget<QWidget>("ConnectPB")->setFocus();
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
@@ -137,9 +138,9 @@ class OpenedWindow {
         window.InstallEF().Text(command);
         Click("StartPB");
     }
-    // What the run has printed so far, behind "Wait....".
+    // The run's output so far, without "Wait....".
     QString Shown() const { return QString::fromStdString(window.rEF().Text()).mid(8); }
-    // What it has printed when it has ended; "hangs" where it doesn't.
+    // Waits for the run's end and returns its output, or "hangs" if it doesn't end.
     QString Output() const {
         const auto ended = [this] { return window.StartPB().Enabled(); };
         return QTest::qWaitFor(ended, 20'000) ? Shown() : "hangs";

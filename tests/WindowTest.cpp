@@ -13,7 +13,7 @@
 
 namespace {
 
-// What a control adds to its left edge, its width and its height of what the window grows.
+// How much of the window's growth a control adds to its left edge, its top, its width and height.
 constexpr QMargins kNothing(0, 0, 0, 0), kMoves(1, 0, 0, 0), kWidens(0, 0, 1, 0),
     kGrows(0, 0, 1, 1);
 
@@ -29,7 +29,7 @@ QStringList Enabled(const QMenu* menu) {
 class WindowTest : public QObject {
     Q_OBJECT
   private slots:
-    // What a control does when the window grows, and when it shrinks.
+    // Controls move or grow with the window.
     void Growth_data() {
         const auto row = Columns<QRect, QMargins, QSize>("place", "growth", "least");
         const QSize none, lines(48, 24);
@@ -56,7 +56,7 @@ class WindowTest : public QObject {
         }
     }
 
-    // A text that has grown over a button doesn't take its clicks.
+    // A text that has grown over a button doesn't take the button's clicks.
     void ButtonsLieOnTop() {
         const OpenedWindow opened;
         opened.frame->resize(900, 800);
@@ -67,7 +67,7 @@ class WindowTest : public QObject {
         }
     }
 
-    // What a screen reader says of each control, and which label it connects with it.
+    // Each control's name for a screen reader, and its label.
     void ScreenReader() {
         const OpenedWindow opened;
         const QMap<QString, QString> labels = {{"EspToolEF", "Label1"}, {"PortPM", "Label2"},
@@ -172,8 +172,8 @@ class WindowTest : public QObject {
                      (loads.isEmpty() ? "ck" : loads) + " -cb 115200 ");
     }
 
-    // The program itself, started by a link and with arguments that mean nothing to it, on a
-    // screen. The steps are Driver's.
+    // The program itself, started through a link and with meaningless arguments, on a screen.
+    // Driver does the steps.
     void Program_data() {
         const auto row =
             Columns<QStringList, int, int, QByteArray>("steps", "height", "status", "output");

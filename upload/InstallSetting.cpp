@@ -6,8 +6,8 @@
 #include "platform/files/TextInputStream.h"
 #include "platform/text/Text.h"
 
-// The load skips in silence what it can't use. A file that can't be opened changes nothing; one
-// that can be opened replaces the list.
+// The load skips lines that it can't use, without a message. A file that can't be opened changes
+// nothing. A file that can be opened replaces the list.
 void EspWin::SetInstallSetting(const FolderItemRef& file) {
     if (!file || !file->Exists()) return;
     const auto stream = TextInputStream::Open(file);

@@ -24,7 +24,7 @@ class Control {
     // Raises the Open event of a control that has one. The window calls it once.
     virtual void RaiseOpen() {}
 
-    // From now on the control raises no event. A window detaches all of its controls before it
+    // The control raises no event any more. A window detaches all of its controls before it
     // destroys the first of them.
     void DetachHandlers() { mDetached = true; }
 
@@ -54,7 +54,7 @@ struct ControlPlace {
     int Left, Top, Width, Height;
     ::Locks Locks;
     int TabIndex;
-    int TextSize;  // height of the font
+    int TextSize;  // the font's height
 };
 
 class RectControl : public Control {
@@ -78,11 +78,11 @@ class RectControl : public Control {
 
     void SetFocus();
 
-    // Moves and resizes the control. The window's content has grown by so many pixels since the
+    // Moves and resizes the control, given how many pixels the window's content has grown since the
     // start.
     void FollowWindow(int grownWidth, int grownHeight);
 
-    // True for a control that stays visible and usable when another one grows over its place.
+    // True for a control that must stay visible and usable when another one grows over its place.
     virtual bool LiesOnTop() const { return false; }
 
     struct Native;  // the widget behind the control; see platform/qt/ControlWidget.h

@@ -16,7 +16,7 @@ struct FilledRect {
 // top left corner; nothing is drawn outside the cell.
 class Graphics {
   public:
-    // `fill` draws. Its origin is the cell's corner.
+    // `fill` draws a rectangle, given from the cell's top left corner.
     Graphics(std::int64_t width, std::int64_t height, std::function<void(const FilledRect&)> fill)
         : mWidth(width), mHeight(height), mFill(std::move(fill)) {}
 

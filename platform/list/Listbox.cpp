@@ -12,7 +12,7 @@ namespace {
 ListView& View(const Listbox& list) { return WidgetOf<ListView>(list); }
 ListModel& Model(const Listbox& list) { return static_cast<ListModel&>(*View(list).model()); }
 
-// nullptr outside the table.
+// Returns nullptr outside the table.
 QStandardItem* Item(const Listbox& list, std::int64_t row, std::int64_t column) {
     const bool inside = row >= 0 && row < Model(list).rowCount() && column >= 0 &&
                         column < Model(list).columnCount();
@@ -51,7 +51,7 @@ std::string Listbox::Cell(std::int64_t row, std::int64_t column) const {
 
 void Listbox::Cell(std::int64_t row, std::int64_t column, std::string_view text) {
     if (QStandardItem* item = Item(*this, row, column)) item->setText(ToQt(text));
-    View(*this).viewport()->update();  // the hint of another cell of the row may come or go
+    View(*this).viewport()->update();  // another cell of the row may show or hide its hint
 }
 
 Variant Listbox::CellTag(std::int64_t row, std::int64_t column) const {

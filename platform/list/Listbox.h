@@ -10,7 +10,7 @@
 #include "platform/list/Cell.h"
 #include "platform/list/Graphics.h"
 
-// A table of texts with headings, of which one row at most is selected. Rows and columns count
+// A table of texts with headings. At most one row is selected. Rows and columns count
 // from 0. Reading outside the table gives an empty value, writing there does nothing.
 //
 // A click selects. F2, Return or a click on the editable cell of the selected row edits that cell
@@ -23,14 +23,14 @@ class Listbox : public RectControl {
             int fixedWidth);
 
     std::string Cell(std::int64_t row, std::int64_t column) const;
-    // Raises nothing.
+    // Sets a cell's text without raising CellTextChange.
     void Cell(std::int64_t row, std::int64_t column, std::string_view text);
     Variant CellTag(std::int64_t row, std::int64_t column) const;
     void CellTag(std::int64_t row, std::int64_t column, const Variant& tag);
-    // kEditableCell lets the user edit it.
+    // With kEditableCell the user can edit the cell, with other types not.
     void CellType(std::int64_t row, std::int64_t column, int type);
-    // What an editable cell shows, palely, while it is empty and the row's first cell isn't. It is
-    // no part of the cell's text.
+    // A pale text that an empty editable cell shows if the first cell of its row isn't empty. It
+    // isn't part of the cell's text.
     void CellHint(std::string_view hint);
 
     // The selected row, -1 for none.
@@ -40,7 +40,7 @@ class Listbox : public RectControl {
 
     // Appends a row with the given texts from column 0 on.
     void AddRow(const std::vector<std::string>& texts);
-    // These two take the selection away, and raise Change if there was one.
+    // RemoveRow and DeleteAllRows clear the selection, and raise Change if a row was selected.
     void RemoveRow(std::int64_t row);
     void DeleteAllRows();
 
@@ -48,13 +48,13 @@ class Listbox : public RectControl {
 
     std::function<void(Listbox&)> Open;
     std::function<void(Listbox&)> Change;
-    // A double click anywhere in the list. An open edit has been committed.
+    // The user double-clicked anywhere in the list. An open edit has been committed before.
     std::function<void(Listbox&)> DoubleClick;
-    // The Delete key, with a row selected and no cell open.
+    // The user pressed Delete while a row was selected and no cell was being edited.
     std::function<void(Listbox&)> DeleteKey;
-    // The user has changed a cell's text.
+    // The user changed a cell's text.
     std::function<void(Listbox&, std::int64_t row, std::int64_t column)> CellTextChange;
-    // Before a cell is painted. False leaves the rest of the painting to the control.
+    // Runs before a cell is painted. Return false to let the control paint the rest of the cell.
     std::function<bool(Listbox&, Graphics&, std::int64_t row, std::int64_t column)>
         CellBackgroundPaint;
 

@@ -10,7 +10,7 @@ struct Part {
     int start, end;
 };
 
-// Nothing for the types that mean the whole line.
+// Returns nothing for the types that mean the whole line.
 std::optional<QTextBoundaryFinder::BoundaryType> FinderType(QAccessible::TextBoundaryType type) {
     switch (type) {
         case QAccessible::CharBoundary:
@@ -24,7 +24,7 @@ std::optional<QTextBoundaryFinder::BoundaryType> FinderType(QAccessible::TextBou
     }
 }
 
-// What stands between two words is a part too.
+// The characters between two words are a part too.
 Part PartAt(const QString& text, int offset, QAccessible::TextBoundaryType type) {
     const int size = static_cast<int>(text.size());
     if (offset == -1) offset = size;

@@ -3,17 +3,17 @@
 
 #include <QAccessible>
 
-// A base for accessible objects. A screen reader may give any numbers as offsets: those outside the
-// text stand for its nearest end in an edit, and there is no part of the text at them. Qt's
-// defaults for the parts never return for some offsets, such as that of the end of the text.
+// A base for accessible objects. A screen reader may give any number as an offset. An edit takes an
+// offset outside the text for the nearest end; a question for a part of the text finds none there.
+// Qt's defaults for the parts never return for some offsets, the end of the text among them.
 class AccessibleLine : public QAccessibleTextInterface, public QAccessibleEditableTextInterface {
   public:
     QString text(int start, int end) const override;
     int characterCount() const override { return static_cast<int>(WholeText().size()); }
 
-    // The character, word or sentence that is at the offset, or the one before or after that; for
-    // lines and paragraphs the text as a whole. Where there is none, both ends are the text's
-    // length. -1 stands for that length.
+    // Return the character, word or sentence before, after or at the offset; for lines and
+    // paragraphs the whole text. An offset of -1 means the text's length. If there is no such part,
+    // both ends are the text's length.
     QString textBeforeOffset(int offset, QAccessible::TextBoundaryType type, int* start,
                              int* end) const override;
     QString textAtOffset(int offset, QAccessible::TextBoundaryType type, int* start,
@@ -21,7 +21,7 @@ class AccessibleLine : public QAccessibleTextInterface, public QAccessibleEditab
     QString textAfterOffset(int offset, QAccessible::TextBoundaryType type, int* start,
                             int* end) const override;
 
-    // The whole text has the same ones, which are none.
+    // The text has no attributes, so they are the same from its start to its end.
     QString attributes(int offset, int* start, int* end) const override;
 
     void deleteText(int start, int end) override { replaceText(start, end, {}); }

@@ -46,7 +46,7 @@ class AccessibleLineEdit : public QAccessibleWidget, public AccessibleLine {
 
   protected:
     QString WholeText() const override { return mLine.text(); }
-    // As an edit by keyboard, which can be undone.
+    // Edits as the keyboard does, so that the user can undo it.
     void Replace(int start, int length, const QString& text) override {
         mLine.setSelection(start, length);
         mLine.insert(OneLine(text));
@@ -86,7 +86,7 @@ void AccessibleLineEdit::setSelection(int index, int start, int end) {
     mLine.setSelection(start, std::clamp(end, 0, size) - start);
 }
 
-// The distances from the caret's place, which Qt tells.
+// Qt tells the place of the caret alone. The other characters' places are measured from there.
 QRect AccessibleLineEdit::characterRect(int offset) const {
     if (offset < 0 || offset >= characterCount()) return {};
     QTextLayout layout(mLine.displayText(), mLine.font());

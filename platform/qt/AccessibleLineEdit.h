@@ -1,6 +1,6 @@
-// What a screen reader is told of one-line fields.
+// One-line fields as screen readers see them.
 #pragma once
 
-// From now on each QLineEdit that the user can edit, in dialogs and lists too, has an accessible
-// object of the program's. Qt's own never returns from some questions; see AccessibleLine.
+// Gives each editable QLineEdit, in dialogs and lists too, an AccessibleLine as its accessible
+// object. Qt's own object never returns from some questions. Call it once, before the first field.
 void InstallAccessibleLineEdit();

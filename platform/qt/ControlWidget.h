@@ -18,11 +18,11 @@ inline std::unique_ptr<RectControl::Native> Owned(QWidget* widget) {
     return native;
 }
 
-// As its class.
+// Returns the control's widget. W is the class that the control has given to Owned().
 template <class W = QWidget>
 W& WidgetOf(const RectControl& control) {
     return static_cast<W&>(*control.NativeSide().widget);
 }
 
-// The parent of the widgets of a window's controls.
+// Returns the widget that is the parent of all controls' widgets.
 QWidget* ContentOf(const Window& window);

@@ -23,7 +23,7 @@ void WatchForHeldKey(const QEvent& event) {
         keyboard.releasedAt = key.timestamp();
         return;
     }
-    // X11 tells a repetition as a release and a press at one time.
+    // On X11 a repeat is a release and a press with the same time.
     keyboard.isHeld =
         key.isAutoRepeat() || (key.timestamp() != 0 && key.timestamp() == keyboard.releasedAt &&
                                key.key() == keyboard.releasedKey);

@@ -7,11 +7,11 @@ class QKeyEvent;
 // To be called from QApplication::notify with every event, before the event is delivered.
 void WatchForHeldKey(const QEvent& event);
 
-// Whether the key that is being handled is one that is held down and repeats itself. On X11 Qt
-// marks a repeat only if the next press is already waiting, so it misses some.
+// True if the key that is being handled is held down and repeats itself. On X11 Qt marks a repeat
+// only if the next press is already waiting, so it misses some.
 bool KeyIsHeld();
 
-// Control, Shift, Alt or Meta.
+// True for Control, Shift, Alt and Meta.
 bool IsModifier(int key);
 
 // A button that a held key presses once.

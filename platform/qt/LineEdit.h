@@ -14,7 +14,7 @@ class LineEdit : public QLineEdit {
 
     explicit LineEdit(QWidget* parent);
 
-    // In place of the selection, as one step of undo.
+    // Replaces the selection, as one step of undo.
     void Insert(const QString& text);
     void Paste(QClipboard::Mode mode = QClipboard::Clipboard);
 

@@ -19,7 +19,7 @@ bool IsUtf8(std::string_view text);
 // From Shift_JIS. A Qt that was built without this encoding leaves the bytes as they are.
 std::string FromShiftJis(std::string_view bytes);
 
-// The canonically composed form of a name, for comparing names written on different systems; the
-// second without regard to case.
+// The canonically composed form of a name, for comparing names that were written on different
+// systems. ComposedCaseless also folds upper and lower case.
 std::string Composed(std::string_view text);
 std::string CaseFolded(std::string_view text);

@@ -24,7 +24,7 @@ class MenuItem {
     // As "Cmd+Q". Cmd is Ctrl where there is no command key.
     const std::string& KeyboardShortcut() const { return mKeyboardShortcut; }
     void KeyboardShortcut(std::string_view keys) { mKeyboardShortcut = keys; }
-    // Enabled by what the item can act on, and else always.
+    // An edit item is enabled while it can act on the focused text; other items always are.
     bool AutoEnable() const { return mAutoEnable; }
     void AutoEnable(bool on) { mAutoEnable = on; }
     bool Visible() const { return mVisible; }
@@ -32,7 +32,7 @@ class MenuItem {
 
     // Adds an item at the end.
     void Append(std::shared_ptr<MenuItem> item) { mItems.push_back(std::move(item)); }
-    // The item of that name, or nullptr.
+    // Returns the item of that name, or nullptr.
     std::shared_ptr<MenuItem> Child(std::string_view name) const;
     const std::vector<std::shared_ptr<MenuItem>>& Items() const { return mItems; }
 

@@ -25,7 +25,8 @@ class Window::Frame : public QMainWindow {
     explicit Frame(Window& window) : mWindow(window), mContent(*new Content(*this)) {
         setCentralWidget(&mContent);
         setWindowFlag(Qt::WindowFullscreenButtonHint, false);
-        layout()->setSizeConstraint(QLayout::SetNoConstraint);  // the window's own limits hold
+        layout()->setSizeConstraint(
+            QLayout::SetNoConstraint);  // only the window's own limits apply
         if (const auto menus = ApplicationMenuBar()) BuildMenuBar(*menuBar(), *menus);
     }
 
@@ -94,7 +95,7 @@ Window::Window() : mFrame(std::make_unique<Frame>(*this)) {}
 
 Window::~Window() {
     for (const auto& control : mControls) control->DetachHandlers();
-    mFrame->hide();  // the end of a run may take a moment, which the user needn't watch
+    mFrame->hide();  // ending a run may take a moment
 }
 
 void Window::Title(std::string_view title) { mFrame->setWindowTitle(ToQt(title)); }
@@ -116,7 +117,7 @@ void Window::Show() {
 
 void Window::OnKeys(std::string_view keys, std::function<void()> action) {
     auto* shortcut = new QShortcut(ToQtKeys(keys), mFrame.get());
-    shortcut->setContext(Qt::ApplicationShortcut);  // also while a popup shows its rows
+    shortcut->setContext(Qt::ApplicationShortcut);  // also while a popup menu is open
     QObject::connect(shortcut, &QShortcut::activated, mFrame.get(), [action = std::move(action)] {
         if (KeyIsHeld()) return;
         CommitOpenEdit();

@@ -19,7 +19,7 @@ class Window {
     virtual ~Window();
 
     void Title(std::string_view title);
-    // The content's size at the start; the controls' places refer to it.
+    // The content's size at the start. The places of the controls refer to it.
     void Width(int width);
     void Height(int height);
     void MinWidth(int width);
@@ -27,25 +27,25 @@ class Window {
     void MaxWidth(int width);
     void MaxHeight(int height);
 
-    // Shows the window, no larger than the screen's free area, and raises, once, the Open events:
-    // the controls' in the order of their creation, then its own.
+    // Shows the window, no larger than the screen's free area. The first call raises the Open
+    // events: first those of the controls, in the order of their creation, then the window's.
     void Show();
 
-    // Runs `action` when the keys, such as "Cmd+.", are pressed anywhere in the window. Keys that
-    // are held down run it once.
+    // Runs `action` when the user presses the keys, such as "Cmd+.", anywhere in the window. Held
+    // keys run it once.
     void OnKeys(std::string_view keys, std::function<void()> action);
-    // The keys as the user's keyboard has them: "Ctrl+." where there is no command key.
+    // Returns the names of the keys on the user's keyboard: "Ctrl+." where there is no command key.
     static std::string KeysAsShown(std::string_view keys);
 
     // Marks the window in the desktop's list of tasks, if it isn't in front.
     void AskForAttention();
 
     std::function<void()> Open;
-    // The user has closed the window.
+    // The user closed the window.
     std::function<void()> Close;
 
-    // The live window that was registered under this name, or nullptr. The registry holds windows
-    // until EndFramework.
+    // Returns the window that was registered under this name, or nullptr. The registry keeps the
+    // windows alive until EndFramework.
     static std::shared_ptr<Window> Live(std::string_view name);
     static void Register(std::string_view name, std::shared_ptr<Window> window);
 

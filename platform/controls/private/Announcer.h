@@ -1,5 +1,5 @@
-// Tells screen readers of new text in a widget, wherever the focus is. Qt reports each insertion of
-// text too, but a screen reader may ignore the insertions into a widget without the focus.
+// Tells screen readers of new text in a widget. Qt reports each insertion too, but a screen reader
+// may ignore insertions into a widget without the focus.
 #pragma once
 
 #include <QTimer>

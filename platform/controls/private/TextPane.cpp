@@ -19,12 +19,12 @@ namespace {
 constexpr int kStripHeight = 3;
 constexpr int kBorder = 2;  // room for the focus ring
 
-// In a pane narrower than a character Qt shows and hides the scroll bar for ever. In one lower than
-// a line Page Down finds no line, and crashes.
+// In a pane narrower than a character Qt shows and hides the scroll bar for ever. In a pane lower
+// than a line, Page Down crashes.
 constexpr QSize kSmallest(48, 24);
 
-// For each line Qt looks for a place to break from the line's start to the end of its last word, so
-// a very long word takes time by the square of its length.
+// To break a line, Qt scans from its start to the end of its last word. So the time for a very long
+// word grows with the square of its length.
 bool HasVeryLongWord(const QString& text) {
     constexpr qsizetype kVeryLong = 8192;
     qsizetype length = 0;
@@ -84,8 +84,8 @@ void TextPane::Append(const QString& text) {
     mSet.reset();
     mOwnChange = true;
     AppendOutput(*document(), text);
-    // Qt drops the oldest paragraphs beyond this count. Long paragraphs hold too many characters
-    // before there are so many, so then an eighth of them goes at once.
+    // Qt drops the oldest paragraphs beyond this count. Long paragraphs may hold too many
+    // characters before that. Then an eighth of the paragraphs is dropped at once.
     const bool tooMuch = document()->characterCount() > mMostCharacters;
     setMaximumBlockCount(tooMuch ? std::max(1, blockCount() * 7 / 8) : mMostParagraphs);
     mOwnChange = false;
@@ -96,7 +96,7 @@ void TextPane::SetBusy(bool busy) {
     delete std::exchange(mStrip, nullptr);
     if (!busy) return;
     mStrip = new QProgressBar(this);
-    mStrip->setRange(0, 0);  // no end is known, so it moves
+    mStrip->setRange(0, 0);  // without an end it moves to and fro
     mStrip->setTextVisible(false);
     // The application's style shows no movement at this height.
     const QColor moving = palette().color(QPalette::Active, QPalette::Highlight);
@@ -108,7 +108,7 @@ void TextPane::SetBusy(bool busy) {
     mStrip->show();
 }
 
-// For a copy and for a drag.
+// Qt calls it for a copy and for a drag.
 QMimeData* TextPane::createMimeDataFromSelection() const {
     const QTextCursor selection = textCursor();
     auto* copied = new QMimeData;
@@ -134,7 +134,8 @@ void TextPane::keyPressEvent(QKeyEvent* event) {
 void TextPane::inputMethodEvent(QInputMethodEvent* event) {
     if (isReadOnly()) return event->ignore();  // Qt would edit the text all the same
     DropComposition();
-    // One after the other, since Qt would show what is composed in the line where the commit began.
+    // First the commit, then the new composition: Qt would show both in the line where the commit
+    // began.
     QInputMethodEvent commit;
     commit.setCommitString(event->commitString(), event->replacementStart(),
                            event->replacementLength());

@@ -54,7 +54,7 @@ class AccessibleCell : public QAccessibleInterface,
     void doAction(const QString& name) override;
     QStringList keyBindingsForAction(const QString&) const override { return {}; }
 
-    // The text as a whole: a caret and a selection are the editor's, which is a widget.
+    // A cell has no caret and no selection. Its editor has them, and is a widget of its own.
     void selection(int, int* start, int* end) const override { *start = *end = 0; }
     int selectionCount() const override { return 0; }
     void addSelection(int, int) override {}

@@ -10,8 +10,8 @@
 
 namespace {
 
-// The children are counted as Qt's view counts them in what it announces: a row of headings first,
-// and a heading before each row.
+// The children have the same numbers as in the changes that Qt's view announces: a row of headings
+// comes first, and a heading before each row.
 class AccessibleTable : public QAccessibleWidget, public QAccessibleTableInterface {
   public:
     explicit AccessibleTable(ListView& view)
@@ -40,7 +40,7 @@ class AccessibleTable : public QAccessibleWidget, public QAccessibleTableInterfa
 
     QAccessibleInterface* caption() const override { return nullptr; }
     QAccessibleInterface* summary() const override { return nullptr; }
-    // Row and column -1 have the headings. nullptr outside the table.
+    // Row and column -1 have the headings. Returns nullptr outside the table.
     QAccessibleInterface* cellAt(int row, int column) const override {
         const bool inside = row >= -1 && row < rowCount() && column >= -1 && column < columnCount();
         return inside ? child(IndexOf(row, column)) : nullptr;

@@ -1,6 +1,6 @@
-// What a screen reader is told of a list.
+// A list as screen readers see it.
 #pragma once
 
-// From now on the program's lists are tables whose editable cells are editable texts. Qt's own
-// interface of a table has no way to edit a cell on Linux.
+// Makes each list an accessible table whose editable cells are editable texts. Qt's own table
+// offers screen readers on Linux no way to edit a cell. Call it once, before the first list.
 void InstallAccessibleTable();

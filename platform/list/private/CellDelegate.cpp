@@ -14,18 +14,18 @@
 
 namespace {
 
-constexpr qsizetype kShown = 2000;  // characters that are painted; more never fit
+constexpr qsizetype kShown = 2000;  // characters that are painted; no cell is wide enough for more
 
-// At least 4.5 to 1 against both colours of the rows and against a row that is selected while the
-// list has no focus.
+// Its contrast is at least 4.5 to 1 on both colours of the rows, and on a selected row of a list
+// without the focus.
 constexpr QRgb kHintColor = 0xFF555555;
 
 class Editor : public LineEdit {
   public:
     using LineEdit::LineEdit;
 
-    QString given;            // the text that it was opened with
-    bool wasPressed = false;  // by the mouse, since it was opened
+    QString given;            // the text at the start of the edit
+    bool wasPressed = false;  // the mouse was pressed in it
 };
 
 }  // namespace
@@ -58,11 +58,11 @@ void CellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
 
 void CellDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const {
     QStyledItemDelegate::initStyleOption(option, index);
-    // The selected row shows where the focus is, by its colour.
+    // The colour of the selected row shows that the list has the focus, so no frame is needed.
     option->state.setFlag(QStyle::State_HasFocus, false);
     if (!mView.hasFocus()) option->state.setFlag(QStyle::State_Active, false);
     option->text.truncate(kShown);
-    option->text.replace(QChar::LineSeparator, u' ');  // of a file's name
+    option->text.replace(QChar::LineSeparator, u' ');  // a file's name may have it
 
     const QString hint = index.data(ListModel::kHintRole).toString();
     if (hint.isEmpty()) return;
@@ -96,7 +96,7 @@ void CellDelegate::setEditorData(QWidget* widget, const QModelIndex& index) cons
     editor->given = editor->text();
 }
 
-// A text that is too long for the editor stays whole unless the user changes it.
+// The editor cuts a very long text off. The cell keeps it whole unless the user changes it.
 void CellDelegate::setModelData(QWidget* widget, QAbstractItemModel* model,
                                 const QModelIndex& index) const {
     const auto* editor = static_cast<Editor*>(widget);
@@ -113,7 +113,7 @@ bool CellDelegate::eventFilter(QObject* object, QEvent* event) {
     switch (event->type()) {
         case QEvent::KeyPress: {
             const int key = static_cast<QKeyEvent*>(event)->key();
-            // A Return that is held since it opened the editor doesn't close it.
+            // The Return that opened the editor may still be held. It must not close it.
             if ((key == Qt::Key_Return || key == Qt::Key_Enter) && KeyIsHeld()) return true;
             if (key != Qt::Key_Tab && key != Qt::Key_Backtab) break;
             Commit(editor);

@@ -11,7 +11,7 @@ QVariant ListModel::data(const QModelIndex& index, int role) const {
 }
 
 bool ListModel::setData(const QModelIndex& index, const QVariant& value, int role) {
-    // Qt would make the row of an index that is outside the table.
+    // Qt would add a row for an index outside the table.
     if (role != Qt::EditRole || !checkIndex(index, CheckIndexOption::IndexIsValid)) return false;
     const QString text = OneLine(value.toString());
     if (text == index.data().toString()) return true;

@@ -1,11 +1,11 @@
-// The rows of a list as a view reads them.
+// The model behind a list: its rows, and the hint of its empty cells.
 #pragma once
 
 #include <QStandardItemModel>
 #include <functional>
 
-// The program changes a row by its items. The user's changes come by setData, from the editor of a
-// cell or from a screen reader.
+// The program changes a row through its items. The editor of a cell and screen readers call
+// setData, so a change there is the user's.
 class ListModel : public QStandardItemModel {
   public:
     enum Role {
@@ -18,8 +18,8 @@ class ListModel : public QStandardItemModel {
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
     bool setData(const QModelIndex& index, const QVariant& value, int role = Qt::EditRole) override;
 
-    // The hint of empty cells.
+    // See Listbox::CellHint.
     QString Hint;
-    // The user has changed a cell's text.
+    // The user changed a cell's text.
     std::function<void(int row, int column)> Edited;
 };

@@ -34,19 +34,19 @@ ListView::ListView(QWidget* parent) : QTableView(parent) {
     horizontalHeader()->setMinimumSectionSize(1);
 }
 
-// An open editor passes on the keys that it has no use for, the arrows up and down for example.
+// Also gets the keys that an open editor ignores, such as Up and Down.
 void ListView::keyPressEvent(QKeyEvent* event) {
     if (state() == EditingState || !TakeKey(*event)) QTableView::keyPressEvent(event);
 }
 
-// False leaves the key to Qt. Left to itself, Qt would start Up and Down from a current row that
-// isn't shown as selected, take Home and End to the ends of the row, and replace the text by a
-// space.
+// Returns false to leave the key to Qt. Qt's own Up and Down start from the current row, even if it
+// isn't selected; its Home and End go to the ends of the row; its Space replaces the cell's text.
 bool ListView::TakeKey(QKeyEvent& event) {
     const bool modified =
         event.modifiers().testAnyFlags(Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier);
     const int row = SelectedRow();
-    if (event.matches(QKeySequence::Copy)) return row < 0;  // the current cell, which isn't shown
+    if (event.matches(QKeySequence::Copy))
+        return row < 0;  // Qt copies the current cell, which isn't shown
     switch (event.key()) {
         case Qt::Key_Home:
             SelectRow(0);
@@ -84,8 +84,8 @@ bool ListView::TakeKey(QKeyEvent& event) {
     return true;
 }
 
-// When an input method commits text without composing it first, Qt would open the editor and drop
-// the text.
+// If an input method commits text without composing it first, Qt opens the editor and drops the
+// text.
 void ListView::inputMethodEvent(QInputMethodEvent* event) {
     const QString& text = event->commitString();
     if (state() == EditingState || text.isEmpty()) {

@@ -1,13 +1,13 @@
-// What the mouse and the keyboard do on a list.
+// The view of a list: what the mouse and the keyboard do.
 #pragma once
 
 #include <QPersistentModelIndex>
 #include <QTableView>
 #include <functional>
 
-// One row at most is selected. A click on the editable cell of the selected row edits it, with all
-// of its text selected; so do F2 and Return on the selected row, and a typed character replaces the
-// text. The editor is open as soon as the mouse button is let go, so no key after it can miss it.
+// At most one row is selected. A click on the editable cell of the selected row opens its editor
+// with all text selected. F2 and Return on the selected row do the same; a typed character replaces
+// the text. The editor opens as soon as the mouse button is released, so it gets the next key.
 class ListView : public QTableView {
   public:
     explicit ListView(QWidget* parent);

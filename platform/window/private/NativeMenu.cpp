@@ -17,8 +17,8 @@
 
 namespace {
 
-// One editing command, for the one-line controls (cell editors among them) and the others. Only the
-// paste asks what is on the clipboard: its owner is another program, which may not answer.
+// One editing command, for one-line texts (cell editors too) and for the others. No command asks
+// for the clipboard's content before the user pastes: its owner is another program, which may hang.
 struct EditCommand {
     std::string_view name;
     void (*line)(LineEdit&);
@@ -50,8 +50,8 @@ constexpr EditCommand kEditCommands[] = {
      [](const QPlainTextEdit& e) { return !e.document()->isEmpty(); }},
 };
 
-// Keeps the edit items in step with the text of the window that has the focus. Child of the menu
-// bar. The texts of dialogs have menus of their own.
+// Enables the edit items by what the focused text of the window can do. A child of the menu bar.
+// The texts of dialogs have context menus of their own.
 class EditItems : public QObject {
   public:
     explicit EditItems(QMenuBar& bar) : QObject(&bar), mBar(bar) {
@@ -72,7 +72,7 @@ class EditItems : public QObject {
     }
 
   protected:
-    // The context menu of a text has these items too. Qt's own one asks the clipboard.
+    // Shows these items as the context menu of a text. Qt's own menu asks the clipboard's owner.
     bool eventFilter(QObject* object, QEvent* event) override {
         if (event->type() != QEvent::ContextMenu) return false;
         auto* menu = new QMenu(static_cast<QWidget*>(object));
@@ -84,7 +84,8 @@ class EditItems : public QObject {
 
   private:
     void Follow(QWidget* focus) {
-        if (qobject_cast<QMenuBar*>(focus)) return;  // it acts on what had the focus before
+        if (qobject_cast<QMenuBar*>(focus))
+            return;  // an item acts on the widget that had the focus before
         if (mFollowed) mFollowed->disconnect(this);
         const bool isOurs = focus != nullptr && focus->window() == mBar.window();
         mFollowed = isOurs ? focus : nullptr;
@@ -117,7 +118,7 @@ class EditItems : public QObject {
     };
     QMenuBar& mBar;
     std::vector<Item> mItems;
-    QPointer<QObject> mFollowed;  // only a QObject is left if its destruction moved the focus
+    QPointer<QObject> mFollowed;  // it may be a widget no more, if its destruction moved the focus
     QPointer<LineEdit> mLine;
     QPointer<QPlainTextEdit> mArea;
 };
@@ -129,7 +130,7 @@ void AddItem(QMenu& menu, const MenuItem& item, EditItems& editItems) {
     }
     QAction* action = menu.addAction(ToQt(item.Text()));
     action->setObjectName(ToQt(item.Name()));
-    action->setMenuRole(QAction::NoRole);  // on macOS the items stay in these menus
+    action->setMenuRole(QAction::NoRole);  // else Qt moves items to other menus on macOS
     action->setShortcut(ToQtKeys(item.KeyboardShortcut()));
     action->setVisible(item.Visible());
     if (dynamic_cast<const QuitMenuItem*>(&item))
