@@ -16,8 +16,6 @@
 
 namespace {
 
-using Keys = QList<QKeyCombination>;
-
 // A tool that shows its arguments and counts its runs, two images and two ports.
 struct JobFolder : PreparedFolder {
     JobFolder() : PreparedFolder("a/b/o'neil $HOME \"q\" ファーム;&") {
@@ -33,20 +31,37 @@ struct WholeJob : JobFolder, OpenedWindow {
     qint64 Runs() const { return QFileInfo(Path("esptool/esptool.runs")).size(); }
 };
 
-// What a user does while an address is edited.
+// What a user does while a text is edited.
 using Way = std::function<void(const WholeJob&)>;
 
-void TapAlt() {
-    QTest::keyPress(TakesKeys(), Qt::Key_Alt, Qt::AltModifier);
-    QTest::keyRelease(TakesKeys(), Qt::Key_Alt);
+// The steps are keys, "Menu" for a click on the edit menu, or the name of a control and what is
+// done to it.
+void Do(const WholeJob& job, const QString& steps) {
+    for (const QString& step : steps.split(", ")) {
+        const QByteArray control = step.section(' ', 1).toUtf8();
+        auto* widget = job.Widget<QWidget>(control.constData());
+        if (step.startsWith("click")) {
+            QTest::mouseClick(widget, Qt::LeftButton);
+        } else if (step.startsWith("press")) {
+            QAccessible::queryAccessibleInterface(widget)->actionInterface()->doAction(
+                QAccessibleActionInterface::pressAction());
+        } else if (step.startsWith("choose")) {
+            static_cast<QComboBox*>(widget)->setCurrentIndex(11);
+        } else if (step == "Menu") {
+            auto* bar = job.frame->findChild<QMenuBar*>();
+            QTest::mouseClick(bar, Qt::LeftButton, {},
+                              bar->actionGeometry(bar->actions()[1]).center());
+            QVERIFY(QApplication::activePopupWidget());
+        } else if (step == "Alt") {
+            QTest::keyPress(TakesKeys(), Qt::Key_Alt, Qt::AltModifier);
+            QTest::keyRelease(TakesKeys(), Qt::Key_Alt);
+        } else {
+            Press({QKeySequence(step)[0]});
+        }
+        if (!step.contains("StartPB") && !control.isEmpty())
+            QCOMPARE(job.window.ulb().Cell(0, 1), "0xA2");  // no editor stays open behind it
+    }
 }
-void OpenMenu(const WholeJob& job) {
-    auto* bar = job.frame->findChild<QMenuBar*>();
-    const QPoint place = bar->actionGeometry(bar->actions()[1]).center();
-    QTest::mouseClick(bar, Qt::LeftButton, {}, place);
-    QVERIFY(QApplication::activePopupWidget());
-}
-void PressStart() { Key(Qt::Key_Return, Qt::ControlModifier); }
 
 bool TakesAFile(QWidget* widget) {
     QMimeData dragged;
@@ -82,13 +97,16 @@ class HandsTest : public QObject {
         job.TabTo("InstallEF");
         Key(Qt::Key_End, Qt::ControlModifier);
         Type(" e");
-        job.TabTo("StartPB");
-        for (const auto key : {Qt::Key_Space, Qt::Key_Return}) {
-            Key(key);
+        for (const QKeyCombination key : {Qt::CTRL | Qt::Key_Return,
+                                          Qt::CTRL | Qt::Key_Enter,
+                                          {Qt::Key_Space},
+                                          {Qt::Key_Return}}) {
+            if (key.key() == Qt::Key_Space) job.TabTo("StartPB");
+            Press({key});
             QCOMPARE(job.Arguments(),
                      "<-cd><xy><-cb><76800><-cp></dev/q><-ca><90><-cf><@/a.bin><e>");
         }
-        QCOMPARE(job.Runs(), 2);
+        QCOMPARE(job.Runs(), 4);
     }
 
     void TabGoesRound() {
@@ -182,82 +200,35 @@ class HandsTest : public QObject {
         QCOMPARE(job.Focus(), after);
     }
 
-    void CtrlReturnPressesStart_data() {
-        const auto row = Columns<QString, Keys, QString>("in", "before", "arguments");
-        const QString images = "<-ca><1><-cf><@/a.bin><-ca><x><-cf><@/b b.bin>";
-        const QString ports = "<-cd><ck><-cb><115200><-cp></dev/", all = ports + "p>" + images;
-        row("in the command", "InstallEF", {Qt::CTRL | Qt::Key_End, Qt::Key_Space, Qt::Key_7},
-            all + "<7>");
-        row("in an address", "ulb", {Qt::Key_Down, Qt::Key_F2, Qt::Key_7},
-            QString(all).replace("<1>", "<7>"));
-        row("in an open list", "PortPM", {Qt::Key_Space, Qt::Key_Down}, ports + "q>" + images);
-    }
-    void CtrlReturnPressesStart() {
-        const auto [in, before, arguments] =
-            Row<QString, Keys, QString>("in", "before", "arguments");
+    void CtrlReturnInAnOpenList() {
         const WholeJob job;
-        job.TabTo(in);
-        Press(before);
+        job.TabTo("PortPM");
         for (const auto key : {Qt::Key_Return, Qt::Key_Enter}) {
-            Key(key, Qt::ControlModifier);
-            QVERIFY(!job.window.StartPB().Enabled());
-            Key(key, Qt::ControlModifier);  // does nothing by now
-            QCOMPARE(job.Arguments(), arguments);
+            Press({Qt::Key_Space, Qt::Key_Down, Qt::CTRL | key});
+            QVERIFY(job.Arguments().contains("<-cp></dev/q>"));
             job.frame->activateWindow();  // no window manager does so after a popup
-            QTRY_COMPARE(job.Focus(), in);
+            QTRY_COMPARE(job.Focus(), "PortPM");
         }
         QCOMPARE(job.Runs(), 2);
     }
 
     // Start runs the text that the cell shows, whatever the user did in between.
     void AnEditIsTakenOver_data() {
-        QTest::addColumn<Way>("way");
-        const auto row = [](const char* what, const Way& way) { QTest::newRow(what) << way; };
-        row("the menu by mouse, Escape, a click on Start", [](const WholeJob& job) {
-            OpenMenu(job);
-            Key(Qt::Key_Escape);
-            job.Click("StartPB");
-        });
-        row("Alt, a click on Start", [](const WholeJob& job) {
-            TapAlt();
-            job.Click("StartPB");
-        });
-        row("Alt, Ctrl+Return", [](const WholeJob&) {
-            TapAlt();
-            PressStart();
-        });
-        row("the menu, Escape, a click into Reset, Ctrl+Return", [](const WholeJob& job) {
-            OpenMenu(job);
-            Key(Qt::Key_Escape);
-            job.Click("ResetEF");
-            QCOMPARE(job.window.ulb().Cell(0, 1), "0xA2");  // no editor stays open behind it
-            Key(Qt::Key_End);
-            PressStart();
-        });
-        row("the menu, Start by a screen reader", [](const WholeJob& job) {
-            OpenMenu(job);
-            auto* start = QAccessible::queryAccessibleInterface(job.Widget<QWidget>("StartPB"));
-            start->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
-        });
-        row("Alt, a choice of the speed by a screen reader, Ctrl+Return", [](const WholeJob& job) {
-            TapAlt();
-            job.Widget<QComboBox>("BaudPM")->setCurrentIndex(11);
-            QCOMPARE(job.window.ulb().Cell(0, 1), "0xA2");
-            PressStart();
-        });
-        row("Alt, Escape, Return, a click on Start", [](const WholeJob& job) {
-            TapAlt();
-            Press({Qt::Key_Escape, Qt::Key_Return});
-            job.Click("StartPB");
-        });
+        QTest::addColumn<QString>("steps");
+        for (const char* steps :
+             {"click StartPB", "Ctrl+Return", "Menu, Escape, click StartPB", "Alt, click StartPB",
+              "Alt, Ctrl+Return", "Menu, Escape, click ResetEF, End, Ctrl+Return",
+              "Menu, press StartPB", "Alt, choose BaudPM, Ctrl+Return",
+              "Alt, Escape, Return, click StartPB"})
+            QTest::newRow(steps) << steps;
     }
     void AnEditIsTakenOver() {
-        QFETCH(const Way, way);
         const WholeJob job;
         job.TabTo("ulb");
         Press({Qt::Key_Down, Qt::Key_F2});
         Type("0xA2");
-        way(job);
+        QFETCH(const QString, steps);
+        Do(job, steps);
         QTRY_COMPARE(job.Runs(), 1);
         QVERIFY(job.Arguments().contains("<-ca><0xA2>"));
         QCOMPARE(job.window.ulb().Cell(0, 1), "0xA2");
@@ -304,7 +275,7 @@ class HandsTest : public QObject {
             QVERIFY(static_cast<QLineEdit*>(QApplication::focusWidget())->text() != "a b ");
             Key(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
         }
-        PressStart();
+        Key(Qt::Key_Return, Qt::ControlModifier);
         QVERIFY(job.Arguments().startsWith("<-cd><a><b>"));
     }
 

@@ -15,7 +15,6 @@ class ListTest : public QObject {
         const auto row = Columns<bool, int>("selected", "wait");
         row("at once, on the selected row", true, 0);
         row("after 80 ms, on the selected row", true, 80);
-        row("after 200 ms, on the selected row", true, 200);
         row("after 300 ms, on the selected row", true, 300);
         row("at once, on another row", false, 0);
     }
@@ -83,14 +82,6 @@ class ListTest : public QObject {
         }
         job.Press(Qt::Key_Tab);
         QCOMPARE(job.Column(1)[2], "0x2");
-    }
-
-    void StartCommits() {
-        const LoadedWindow job;
-        job.Click(0, 1);
-        job.Type("0xAB");
-        job.opened.Click("StartPB");
-        QVERIFY(job.opened.Output().contains("<-ca><0xAB>"));
     }
 
     void DoubleClick_data() {

@@ -2,13 +2,11 @@
 // a screen reader. After each step the window must still be right (see Oracle).
 //
 // Usage: RandomUser STEPS SEED...
-// Each seed has a process of its own. A crash, a report of a sanitizer, a step that takes a minute
-// or a wrong window ends it. Then the program prints the seed, the step and the last moves.
+// With several seeds, each has a process of its own. A crash, a report of a sanitizer, a step that
+// takes a minute or a wrong window ends it. Then the program prints the seed and the last moves.
 //
 // No typed text is ever run: Start replaces the command by one of kCommands. Dialogs and menus with
 // an event loop of their own are closed at once, since a dialog can delete files.
-#include <sys/mman.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <QAccessible>
@@ -18,13 +16,14 @@
 #include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QPointer>
+#include <QProcess>
 #include <QTableView>
 #include <QTextBlock>
 #include <QThread>
 #include <QTimer>
 #include <QWheelEvent>
 #include <QWindow>
-#include <array>
+#include <map>
 #include <random>
 
 #include "tests/Testing.h"
@@ -50,23 +49,15 @@ constexpr const char* kTexts[] = {"",           "0x10", " ",        "a\u0301",
 constexpr Qt::MouseButton kButtons[] = {Qt::LeftButton, Qt::LeftButton, Qt::RightButton,
                                         Qt::MiddleButton};
 
-// The report of a seed's process, in memory that it shares with the process that started it.
-struct Report {
-    int step;
-    std::array<std::array<char, 60>, 10> moves;  // the last ones
-    std::array<char, 1000> wrong;
-    std::array<long, 8> counts;  // of each kind of move
-};
-Report* report = nullptr;
-
-template <std::size_t size>
-void Copy(const QString& text, std::array<char, size>& place) {
-    qstrncpy(place.data(), text.toUtf8().constData(), size);
+// On the standard output, at once, since the process may crash.
+void Print(const QString& line) {
+    std::puts(line.toUtf8().replace('\n', "\\n").constData());
+    std::fflush(stdout);
 }
 
 void Expect(bool isRight, const char* what, const QString& where) {
     if (isRight) return;
-    Copy(QString(what) + ": " + where, report->wrong);
+    Print(QString("wrong: ") + what + ": " + where);
     _exit(1);
 }
 
@@ -247,15 +238,13 @@ class RandomUser {
 
     void Step() {
         using Move = void (RandomUser::*)();
-        constexpr std::pair<int, Move> kMoves[] = {
-            {0, &RandomUser::Press}, {0, &RandomUser::Press},  {1, &RandomUser::Mouse},
-            {1, &RandomUser::Mouse}, {2, &RandomUser::Type},   {3, &RandomUser::Resize},
-            {4, &RandomUser::Wheel}, {5, &RandomUser::Listen}, {5, &RandomUser::Listen},
-            {6, &RandomUser::Load},  {7, &RandomUser::Copy}};
+        constexpr Move kMoves[] = {&RandomUser::Press, &RandomUser::Press,  &RandomUser::Mouse,
+                                   &RandomUser::Mouse, &RandomUser::Type,   &RandomUser::Resize,
+                                   &RandomUser::Wheel, &RandomUser::Listen, &RandomUser::Listen,
+                                   &RandomUser::Load,  &RandomUser::Copy};
         mOracle.BeforeStep();
-        const auto [kind, move] = Any(kMoves);
-        ++report->counts[static_cast<std::size_t>(kind)];
-        (this->*move)();
+        ++mStep;
+        (this->*Any(kMoves))();
         QCoreApplication::processEvents();
         QCoreApplication::sendPostedEvents();  // a timer may have posted some
         mOracle.AfterStep();
@@ -296,27 +285,29 @@ class RandomUser {
             }
         }
     }
-    static void Note(const QString& move) {
-        auto& place = report->moves[static_cast<std::size_t>(report->step) % report->moves.size()];
+    void Note(const QString& kind, const QString& move = {}) const {
         const QWidget* focus = QApplication::focusWidget();
-        ::Copy(move + (focus ? " in " + focus->objectName() : ""), place);
+        Print(QString("%1 %2: %3, focus on %4")
+                  .arg(kind)
+                  .arg(mStep)
+                  .arg(move, focus ? focus->objectName() : QString()));
     }
 
     void Press() {
         const QKeyCombination keys = Any(kHeld) | Any(kKeys);
-        Note("key " + QKeySequence(keys).toString());
+        Note("key", QKeySequence(keys).toString());
         if (keys.key() == Qt::Key_Escape) mOracle.GivesUp();
         if (TakesKeys()) Key(keys.key(), keys.keyboardModifiers());
     }
     void Type() {
         QInputMethodEvent event(Any(kTexts), {});
         event.setCommitString(Any(kTexts), -Below(3), Below(3));
-        Note("composes " + event.preeditString() + ", commits " + event.commitString());
+        Note("composition", event.preeditString() + ", commits " + event.commitString());
         if (TakesKeys()) QCoreApplication::sendEvent(TakesKeys(), &event);
     }
     void Copy() {
         const char* text = Any(kTexts);
-        Note(QString("copies ") + text);
+        Note("copy", text);
         QApplication::clipboard()->setText(text);
     }
     void Mouse() {
@@ -324,7 +315,7 @@ class RandomUser {
         const auto button = Any(kButtons);
         const auto held = Any(kHeld);
         const QPoint at = Place();
-        Note(QString("mouse button %1 at %2, %3").arg(button).arg(at.x()).arg(at.y()));
+        Note("mouse", QString("button %1 at %2, %3").arg(button).arg(at.x()).arg(at.y()));
         if (mOpened.Widget<QWidget>("InstallEF")->isAncestorOf(mOpened.frame->childAt(at)))
             mOracle.EditsCommand();
         QTest::mousePress(window, button, held, at);
@@ -342,7 +333,7 @@ class RandomUser {
     }
     void Resize() {
         const QSize size(64 + Below(800), 64 + Below(800));
-        Note(QString("size %1, %2").arg(size.width()).arg(size.height()));
+        Note("size", QString("%1, %2").arg(size.width()).arg(size.height()));
         mOpened.frame->resize(size);
     }
     void Load() {
@@ -355,7 +346,7 @@ class RandomUser {
     void Listen() {
         const auto widgets = mOpened.frame->findChildren<QWidget*>();
         QWidget* widget = widgets[Below(int(widgets.size()))];
-        Note("screen reader at " + widget->objectName());
+        Note("reader", "at " + widget->objectName());
         if (widget->objectName() == "InstallEF") mOracle.EditsCommand();
         auto* access = QAccessible::queryAccessibleInterface(widget);
         if (access == nullptr) return;
@@ -396,6 +387,7 @@ class RandomUser {
     }
 
     std::mt19937 mRandom;
+    int mStep = 0;
     PreparedFolder mFolder{"a/b/base"};
     OpenedWindow mOpened;
     Oracle mOracle{mOpened};
@@ -406,7 +398,7 @@ int Use(unsigned seed, int steps) {
     return WithProgram([=] {
         qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
         RandomUser user(seed);
-        for (report->step = 1; report->step <= steps; ++report->step) {
+        for (int step = 0; step < steps; ++step) {
             alarm(60);
             user.Step();
         }
@@ -417,24 +409,23 @@ int Use(unsigned seed, int steps) {
 }  // namespace
 
 int main(int count, char** arguments) {
-    const int steps = count > 2 ? std::atoi(arguments[1]) : 0;
-    report = static_cast<Report*>(
-        mmap(nullptr, sizeof *report, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
-    bool failed = steps <= 0;
-    for (int i = 2; i < count && !failed; ++i) {
-        report->wrong = {};
-        const pid_t child = fork();
-        if (child == 0) return Use(static_cast<unsigned>(std::atoi(arguments[i])), steps);
-        int status = 0;
-        waitpid(child, &status, 0);
-        failed = status != 0;
-        if (!failed) continue;
-        std::fprintf(stderr, "seed %s, step %d, status %d\n%s\n", arguments[i], report->step,
-                     status, report->wrong.data());
-        for (int move = std::max(1, report->step - 9); move <= report->step; ++move)
-            std::fprintf(stderr, "%d: %s\n", move, report->moves[move % 10].data());
+    if (count < 3) return 2;
+    if (count == 3)
+        return Use(static_cast<unsigned>(std::atoi(arguments[2])), std::atoi(arguments[1]));
+    std::map<QByteArray, int> kinds;
+    for (int i = 2; i < count; ++i) {
+        QProcess one;
+        one.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        one.start(arguments[0], {arguments[1], arguments[i]});
+        one.waitForFinished(-1);
+        const auto moves = one.readAllStandardOutput().trimmed().split('\n');
+        for (const QByteArray& move : moves) ++kinds[move.left(move.indexOf(' '))];
+        if (one.exitStatus() == QProcess::NormalExit && one.exitCode() == 0) continue;
+        Print(QString("seed %1").arg(arguments[i]));
+        for (const QByteArray& move : moves.last(std::min<qsizetype>(moves.size(), 11)))
+            Print(move);
+        return 1;
     }
-    for (const long moves : report->counts) std::printf("%ld ", moves);
-    std::puts("keys, clicks, compositions, sizes, wheels, screen readers, loads, copies");
-    return failed ? 1 : 0;
+    for (const auto& [kind, times] : kinds) Print(QString("%1 %2").arg(times).arg(kind));
+    return 0;
 }

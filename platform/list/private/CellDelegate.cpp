@@ -80,7 +80,10 @@ QWidget* CellDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem&
     editor->setFont(mView.font());
     editor->setAccessibleName(index.model()->headerData(index.column(), Qt::Horizontal).toString());
     auto* delegate = const_cast<CellDelegate*>(this);
-    SetOpenEditor(editor, [=] { delegate->Commit(editor); });
+    // While the view closes an editor it moves the focus, which asks for a commit once more.
+    SetOpenEditor(editor, [=, cell = QPersistentModelIndex(index)] {
+        if (delegate->mView.indexWidget(cell) == editor) delegate->Commit(editor);
+    });
     return editor;
 }
 
