@@ -5,6 +5,8 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 # shellcheck disable=SC2034 # used by those that source this
 fonts=(fonts-dejavu-core fonts-vlgothic)
+# shellcheck disable=SC2034 # likewise
+display_packages=(imagemagick xdotool xvfb "${fonts[@]}")
 
 # The folders with the program's logic, as CMakeLists.txt lists them.
 # shellcheck disable=SC2034 # likewise
@@ -59,6 +61,21 @@ build_preset() {
 apt_install() {
     as_root env DEBIAN_FRONTEND=noninteractive apt-get install -qq -y --no-install-recommends \
         -o DPkg::Lock::Timeout=300 "$@" >/dev/null
+}
+
+# Runs a command that ends with the script, whatever ends that.
+attached() {
+    setpriv --pdeathsig KILL "$@" <&0 &
+    wait $!
+}
+
+# Ends what runs in the background, but for the process $1, which ends by itself.
+end_jobs() {
+    local job
+    for job in $(jobs -p); do
+        [[ $job == "${1:-}" ]] || kill -KILL "$job" 2>/dev/null || true
+    done
+    wait 2>/dev/null
 }
 
 as_root() {

@@ -1,5 +1,6 @@
 # Shared by the scripts that look at the window, sourced after lib.sh: a virtual display with one
-# program on it. The programs see an empty home folder, $home.
+# program on it. The programs see an empty home folder, $home. What is started here ends with the
+# script, whatever ends that.
 # shellcheck shell=bash disable=SC2154
 
 work=$(mktemp -d)
@@ -7,12 +8,12 @@ home=$work/home
 mkdir "$home"
 app='' xvfb=''
 close_display() {
-    [[ -z $app ]] || kill -KILL "$app" 2>/dev/null || true
     [[ -z $xvfb ]] || kill "$xvfb" 2>/dev/null || true
-    wait
+    end_jobs "$xvfb"
     rm -rf "$work"
 }
 trap close_display EXIT
+trap 'exit 130' INT # bash ignores it while a command runs that outlives it
 
 # Waits until the rest of the line, as a command, succeeds, for at most $1 seconds.
 within() {
@@ -35,20 +36,26 @@ same_picture_twice() {
         import -silent -window "$window" "ppm:$work/after" && cmp -s "$work"/{before,after}
 }
 
+# Needs the packages in $display_packages.
 open_display() {
-    need imagemagick xdotool xvfb "${fonts[@]}"
     # Xvfb picks a free display and tells its number when it is ready.
     mkfifo "$work/number"
-    Xvfb -screen 0 1024x768x24 -nolisten tcp -noreset -displayfd 3 3>"$work/number" 2>"$work/xvfb.log" &
+    setpriv --pdeathsig TERM Xvfb -screen 0 1024x768x24 -nolisten tcp -noreset -displayfd 3 \
+        3>"$work/number" 2>"$work/xvfb.log" &
     xvfb=$!
     read -r -t 20 number <"$work/number" || die "no virtual display: $(<"$work/xvfb.log")"
     export DISPLAY=:$number XDG_RUNTIME_DIR=$work QT_QPA_PLATFORM=xcb LC_ALL=C.UTF-8
     unset WAYLAND_DISPLAY XDG_CACHE_HOME XDG_CONFIG_HOME XDG_DATA_HOME XDG_STATE_HOME
+    # Nor the user's desktop. Without an address, Qt would start a session bus that stays on this
+    # display for good.
+    export DBUS_SESSION_BUS_ADDRESS=disabled: NO_AT_BRIDGE=1
+    unset AT_SPI_BUS_ADDRESS DESKTOP_SESSION QT_IM_MODULE QT_QPA_PLATFORMTHEME QT_STYLE_OVERRIDE \
+        XDG_CURRENT_DESKTOP XMODIFIERS
 }
 
 # Starts the program $1 as $app, with its window as $window, which gets the keyboard.
 start_program() {
-    HOME=$home "$1" &
+    HOME=$home setpriv --pdeathsig KILL "$1" &
     app=$!
     within 30 window_or_end || die "no window came up"
     app_ended && die "the program ended before its window came up"

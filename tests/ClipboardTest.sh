@@ -1,13 +1,15 @@
 #!/usr/bin/env bash
-# Usage: tests/clipboard PROGRAM
+# Usage: tests/ClipboardTest.sh PROGRAM
 # The owner of the clipboard may be a program that doesn't answer, so nothing but a paste asks it.
 # Here the owner is stopped by SIGSTOP while the window is used, and all that the program asks of the
-# X server is traced.
+# X server is traced. Ends with 77 where a command is missing.
 set -euo pipefail
 program=$(realpath "$1")
+for command in Xvfb import xclip xdotool xtrace; do
+    command -v "$command" >/dev/null || { echo "Skipped, since $command is missing." && exit 77; }
+done
 source "$(dirname "${BASH_SOURCE[0]}")/../scripts/lib.sh"
 source scripts/window.sh
-need xclip xtrace
 # shellcheck disable=SC2154 # window.sh sets work, home and window
 base=$work/base owner=''
 fake=$(($$ % 50000 + 100)) # the tracer's display, which is also a TCP port, less 6000
@@ -36,7 +38,7 @@ runs_with() {
 }
 
 open_display
-xclip -quiet -selection clipboard <<<pasted 2>"$work/xclip.log" &
+setpriv --pdeathsig KILL xclip -quiet -selection clipboard <<<pasted 2>"$work/xclip.log" &
 owner=$!
 disown "$owner" # its end is no news
 within 10 grep -qs Waiting "$work/xclip.log" || die "xclip doesn't own the clipboard"
