@@ -52,11 +52,11 @@ class Controls {
   private:
     struct Kind {
         char byte;
-        std::optional<std::size_t> place = {};  // of the next one, once it has been searched for
+        std::optional<std::size_t> place;  // of the next one, once it has been searched for
     };
 
     std::string_view mBytes;
-    std::array<Kind, 5> mKinds{{{'\r'}, {'\a'}, {'\b'}, {kEscape}, {kC1Lead}}};
+    std::array<Kind, 5> mKinds{{{'\r', {}}, {'\a', {}}, {'\b', {}}, {kEscape, {}}, {kC1Lead, {}}}};
 };
 
 enum class Effect { Text, None, Backspace, Return, Incomplete };
