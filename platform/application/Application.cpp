@@ -118,7 +118,7 @@ void InitializeFramework(const std::function<void()>& ready) {
     }
     QApplication::setStyle("fusion");
     QApplication::setPalette(LightPalette());
-    QApplication::setDesktopFileName("local.quillstone.Quillstone");
+    QApplication::setDesktopFileName(QUILLSTONE_APP_ID);
     QApplication::setQuitOnLastWindowClosed(false);  // Window's Close says what happens
     QGuiApplication::styleHints()->setTabFocusBehavior(Qt::TabFocusAllControls);
     SpeakTheUsersLanguage();
