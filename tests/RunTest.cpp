@@ -177,7 +177,15 @@ class RunTest : public QObject {
     }
 
     // As by the memory killer, which prefers the tool. Nothing of the run goes on unseen.
+    void SupervisorIsKilled_data() {
+        const auto row = Columns<bool>("ignored");
+        row("by itself", false);
+        row("in a program that was started with SIGCHLD ignored", true);
+    }
     void SupervisorIsKilled() {
+        QFETCH(const bool, ignored);
+        const auto restore = qScopeGuard(
+            [former = signal(SIGCHLD, ignored ? SIG_IGN : SIG_DFL)] { signal(SIGCHLD, former); });
         rlimit core{};
         getrlimit(RLIMIT_CORE, &core);
         core.rlim_cur = core.rlim_max;

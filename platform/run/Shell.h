@@ -12,30 +12,31 @@ class Run;
 
 // Runs one command line at a time through /bin/sh, in the background and without a time limit.
 //
-// The command has a terminal of its own for its output and error, so that it writes lines as they
-// come, and no input. When the program ends, in whatever way, that terminal hangs up.
+// The command has no input. It has a terminal of its own for its output and error, so that it
+// writes out each line at once. The terminal hangs up when the program ends, in whatever way.
 class Shell : public Control {
   public:
     Shell(Window& owner, std::string name);
-    // Ends a running command, with all its child processes, and waits for that below a second.
+    // Ends a running command, with all its child processes, and waits less than a second for that.
     ~Shell() override;
 
-    // Starts the command, exactly as it stands; does nothing while one is running. What the system
-    // says when it can't be started arrives as output.
+    // Starts the command, exactly as it stands. Does nothing while one is running. If the command
+    // can't be started, the reason arrives as output.
     void Execute(std::string_view command);
 
-    // The text of the output that has come since the last call, of any bytes. While the command
-    // runs, a character, line end or control sequence that is not complete waits for its rest.
+    // The text of the output that has come since the last call. It may hold bytes that are no
+    // UTF-8. While the command runs, an incomplete character, line end or control sequence at the
+    // end is held back until the rest of it comes.
     std::string ReadAll();
 
     // Ends a running command with all its child processes: by SIGTERM, and after two seconds by
-    // SIGKILL. The run then completes as any other, also when a process can't be killed; the output
-    // says so. Returns at once.
+    // SIGKILL. Returns at once. Completed comes as at any other end, also if a process can't be
+    // killed, which the output then says.
     void Stop();
 
     std::function<void(Shell&)> DataAvailable;
-    // Once for each command that was executed, when it has ended, with the rest of the output
-    // still to be read. A process that it left in the background doesn't hold this up.
+    // Comes once for each command, when it has ended. ReadAll then gives the rest of the output.
+    // A process that the command left in the background doesn't delay it.
     std::function<void(Shell&)> Completed;
 
   private:

@@ -11,8 +11,8 @@
 
 namespace {
 
-// A path below /proc, put together without allocating. What doesn't fit is left out, and then there
-// is no such file.
+// Puts together a path below /proc without allocating. A path that is too long is cut off, and then
+// no such file exists.
 class ProcPath {
   public:
     ProcPath& Append(std::string_view part) {
@@ -31,7 +31,7 @@ class ProcPath {
     std::size_t mLength = 0;
 };
 
-// `file` lists process numbers with a blank behind each.
+// Reads process numbers from `file`, which has a blank after each.
 void AddNumbers(int file, ProcessList& list) {
     std::array<char, 1024> text;
     pid_t number = 0;

@@ -1,5 +1,5 @@
-// The processes of a run, as its supervisor finds them. Nothing here allocates or takes a lock: the
-// supervisor was forked from a program that may have threads, and has executed nothing.
+// Finds the processes of a run. Nothing here allocates or takes a lock: the supervisor calls it,
+// which was forked from a program that may have threads, and has executed nothing.
 #pragma once
 
 #include <sys/types.h>
@@ -18,7 +18,7 @@ class ProcessList {
     const pid_t* end() const { return mProcesses.data() + mCount; }
 
   private:
-    // A longer list is cut off. Signals are sent again and again, so the rest gets them too.
+    // A longer list is cut off. The others get their signal at the next attempt.
     std::array<pid_t, 16384> mProcesses;
     std::size_t mCount = 0;
 };
@@ -26,8 +26,8 @@ class ProcessList {
 // Adds the children of `parent`, zombies included. On macOS it adds nothing.
 void AddChildren(pid_t parent, ProcessList& list);
 
-// Adds all descendants of this process. A process that is forked meanwhile may be missing.
+// Adds all descendants of this process. One that is forked meanwhile may be missing.
 void AddDescendants(ProcessList& list);
 
-// Adds all descendants of those in the list.
+// Adds all descendants of the processes in the list.
 void AddDescendantsOfListed(ProcessList& list);

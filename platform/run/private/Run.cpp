@@ -13,18 +13,20 @@ using namespace std::chrono_literals;
 
 constexpr auto kForceAfter = 2s;
 
-// Without a supervisor.
+// The supervisor gives up one second after its first kill. The program waits longer, and then takes
+// it that the supervisor itself hangs.
+constexpr auto kGiveUpAfter = 1500ms;
+
+// Where the supervisor was killed, the program kills instead.
 constexpr auto kGiveUpOrphansAfter = 1s;
 constexpr auto kKillAgainAfter = 10ms;
 
-// The supervisor gives up one second after its first kill. Wait longer: it may hang itself.
-constexpr auto kGiveUpAfter = 1500ms;
-
-// The supervisor kills after 300 ms.
+// At the end of the program. The supervisor kills after 300 ms.
 constexpr auto kEndWithin = 700ms;
 
-// More than a terminal keeps for its reader: all that a command which has ended can have left.
-constexpr std::size_t kMostRest = 256UL * 1024;
+// Bytes, more than the system buffers for a terminal. So it is enough for all that the command
+// itself has printed before it ended.
+constexpr std::size_t kDrainBudget = 256UL * 1024;
 
 }  // namespace
 
@@ -56,26 +58,26 @@ void Run::Start(std::string_view command) {
         QObject::connect(notifier.get(), &QSocketNotifier::activated, handler);
         return notifier;
     };
-    mArrival = when(mTerminal->Master(), [this] { Pass(mTerminal->Read()); });
+    mArrival = when(mTerminal->Master(), [this] { Deliver(mTerminal->Read()); });
     mReport = when(mSupervisor->Descriptor(), [this] {
-        if (mSupervisor->Hear())
+        if (mSupervisor->PollEnded())
             mSupervisor->WasKilled() ? KillOrphans() : Ended();
         else if (mPhase == Phase::Running && mSupervisor->ShellEnded())
-            mSupervisor->Give(Order::LetGo);
+            mSupervisor->SendOrder(Order::LetGo);
     });
 }
 
 void Run::Stop() {
     if (mPhase != Phase::Running) return;
     mPhase = Phase::Stopping;
-    mSupervisor->Give(Order::Terminate);
+    mSupervisor->SendOrder(Order::Terminate);
     mStep->start(kForceAfter);
 }
 
 void Run::NextStep() {
     if (mPhase == Phase::Stopping) {
         mPhase = Phase::Forced;
-        mSupervisor->Give(Order::Kill);
+        mSupervisor->SendOrder(Order::Kill);
         mStep->start(kGiveUpAfter);
     } else if (mPhase == Phase::Forced) {
         Ended();
@@ -86,7 +88,7 @@ void Run::NextStep() {
     }
 }
 
-// Nobody must be told that a run is over while a process of it still writes to a chip.
+// The run isn't over while one of its processes may still write to a chip.
 void Run::KillOrphans() {
     const auto now = std::chrono::steady_clock::now();
     if (mPhase != Phase::Orphaned) {
@@ -96,7 +98,7 @@ void Run::KillOrphans() {
     }
     if (mSupervisor->KillRun()) return Ended();
     if (now < mGiveUpAt) return mStep->start(kKillAgainAfter);
-    mSupervisor->GiveUp();
+    mSupervisor->NoteSurvivors();
     Ended();
 }
 
@@ -106,44 +108,44 @@ void Run::Fail(const std::string& reason) {
     mStep->start(0);
 }
 
-void Run::Pass(const std::string& bytes) {
+void Run::Deliver(const std::string& bytes) {
     if (bytes.empty()) return;
     mAtLineStart = bytes.back() == '\n';
     Output(bytes);
 }
 
-// What the command left in the background may go on printing, so there is a limit.
+// Processes that the command left in the background may go on printing, so there is a limit.
 void Run::Ended() {
     mPhase = Phase::Draining;
     mArrival->setEnabled(false);
     mReport->setEnabled(false);
-    mRest = kMostRest;
+    mDrainBudget = kDrainBudget;
     mStep->start(0);
 }
 
 void Run::Drain() {
-    const std::string portion = mTerminal && mRest > 0 ? mTerminal->Read() : std::string();
+    const std::string portion = mTerminal && mDrainBudget > 0 ? mTerminal->Read() : std::string();
     if (portion.empty()) return Complete();
-    mRest -= std::min(mRest, portion.size());
+    mDrainBudget -= std::min(mDrainBudget, portion.size());
     mStep->start(0);
-    Pass(portion);
+    Deliver(portion);
 }
 
 void Run::Complete() {
     std::string lines;
     if (mSupervisor) {
         if (mSupervisor->WasKilled()) lines += "quillstone-run was killed, which ended the run\n";
-        // Neither a report nor an end of file: the supervisor itself hangs.
+        // Without a report and an end of file the supervisor itself hangs.
         auto left = mSupervisor->Unkilled();
-        if (left.empty() && !mSupervisor->Hear()) left.push_back(mSupervisor->Process());
+        if (left.empty() && !mSupervisor->PollEnded()) left.push_back(mSupervisor->Process());
         for (const pid_t process : left)
             lines += "process " + std::to_string(process) + " couldn't be ended\n";
         if (!lines.empty() && !mAtLineStart) lines.insert(0, 1, '\n');
     }
-    Pass(mFailure + lines);
+    Deliver(mFailure + lines);
     mArrival.reset();
     mReport.reset();
-    mTerminal.reset();  // hangs up what the command left behind, which goes its own way
+    mTerminal.reset();  // sends SIGHUP to processes that the command left behind
     mSupervisor.reset();
     mPhase = Phase::Over;
     Completed();

@@ -1,6 +1,6 @@
-// The life of a command that runs, from its start to the end of its output. One Run object can run
-// any number of commands, one after the other. All of it happens on the main thread, between other
-// events; nothing but the destructor waits.
+// Runs a command, from its start to the end of its output. One Run object can run any number of
+// commands, one after the other. It works on the main thread, between other events; only its
+// destructor waits.
 #pragma once
 
 #include <chrono>
@@ -10,7 +10,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/run/private/Supervisor.h"
+#include "platform/run/private/SupervisorLink.h"
 #include "platform/run/private/Terminal.h"
 
 class QSocketNotifier;
@@ -21,15 +21,15 @@ class Run {
     Run();
     Run(const Run&) = delete;
     Run& operator=(const Run&) = delete;
-    // Ends a running command with all its processes, and waits for that for less than a second.
+    // Ends a running command with all its processes, and waits less than a second for that.
     ~Run();
 
     bool IsOver() const { return mPhase == Phase::Over; }
 
-    // Only when the last command is over. Failures come as output.
+    // Precondition: IsOver(). Failures come as output.
     void Start(std::string_view command);
 
-    // Begins to end the running command; does nothing in any later phase.
+    // Begins to end the command. Does nothing unless it is running.
     void Stop();
 
     // Bytes of output have come.
@@ -39,17 +39,17 @@ class Run {
 
   private:
     enum class Phase {
-        Over,      // no command
+        Over,      // there is no command
         Starting,  // terminal and supervisor are being made
-        Running,   // until the shell ends
-        Stopping,  // asked to end, until all of the run's processes have
-        Forced,    // killed, until all of them are gone or can't be killed
-        Orphaned,  // the supervisor was killed, and now the rest is, until all are gone or can't be
-        Draining,  // the processes have ended, output of theirs may be left
+        Running,   // the shell runs
+        Stopping,  // the run's processes were asked to end
+        Forced,    // the supervisor kills them, until all are gone or it gives up
+        Orphaned,  // the supervisor died. The program kills what is left of the run.
+        Draining,  // the processes have ended; some of their output may still be unread
     };
 
     void Fail(const std::string& reason);
-    void Pass(const std::string& bytes);
+    void Deliver(const std::string& bytes);
     void NextStep();
     void KillOrphans();
     void Ended();
@@ -58,11 +58,11 @@ class Run {
 
     Phase mPhase = Phase::Over;
     std::optional<Terminal> mTerminal;
-    std::optional<Supervisor> mSupervisor;
+    std::optional<SupervisorLink> mSupervisor;
     std::unique_ptr<QSocketNotifier> mArrival, mReport;  // of output, from the supervisor
     std::unique_ptr<QTimer> mStep;                       // ends some phases
     std::chrono::steady_clock::time_point mGiveUpAt;     // in Orphaned
-    std::size_t mRest = 0;                               // bytes that may still be drained
+    std::size_t mDrainBudget = 0;                        // bytes that Drain may still deliver
     bool mAtLineStart = false;
     std::string mFailure;  // why the command couldn't be started
 };

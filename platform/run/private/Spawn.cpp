@@ -17,14 +17,14 @@
 #include <string>
 #include <vector>
 
-#include "platform/run/private/Supervise.h"
+#include "platform/run/private/SupervisorProcess.h"
 #include "platform/run/private/Terminal.h"
 
 extern char** environ;  // NOLINT(readability-redundant-declaration): some systems leave it to us
 
 namespace {
 
-// The system limits a single argument (to 128 KiB on Linux) far below all of them together.
+// The system has a limit for a single argument (128 KiB on Linux), far below that for all of them.
 constexpr std::size_t kLongestArgument = 100'000;
 
 constexpr std::string_view kTooLong = "sh: the command line is too long\n";
@@ -32,7 +32,7 @@ constexpr std::string_view kNoShell = "sh: can't be executed\n";
 constexpr std::string_view kNoProcess = "sh: no process can be started\n";
 
 std::vector<std::string> ShellArguments(std::string_view command) {
-    // "--", so that a command that begins with a hyphen isn't taken for an option.
+    // After "--" the shell doesn't take a command that begins with a hyphen for an option.
     if (command.size() <= kLongestArgument) return {"sh", "-c", "--", std::string(command)};
     std::vector<std::string> arguments = {
         "sh", "-c", R"(IFS=; command_line="$*"; unset IFS; shift $#; eval " $command_line")", "sh"};
@@ -41,8 +41,8 @@ std::vector<std::string> ShellArguments(std::string_view command) {
     return arguments;
 }
 
-// TERM=dumb asks for plain text: no colours, no cursor movements. NO_COLOR is for tools that look
-// at it alone; the user may have set it, also to nothing.
+// TERM=dumb asks the tool for plain text: no colours, no cursor movements. Some tools look at
+// NO_COLOR alone. A value that the user has set stays, also an empty one.
 std::vector<std::string> ShellEnvironment() {
     std::vector<std::string> variables;
     for (char** variable = environ; *variable != nullptr; ++variable)
@@ -60,14 +60,14 @@ std::vector<char*> Pointers(std::vector<std::string>& strings) {
     return pointers;
 }
 
-// The functions from here to the end of the namespace run in a forked child of a program that may
-// have threads, so they only make calls that are safe in a signal handler.
+// The functions below, up to the end of the namespace, run in a forked child of a program that may
+// have threads. So they make only calls that are safe in a signal handler.
 
-[[noreturn]] void Fail(std::string_view reason) {
-    _exit(write(STDERR_FILENO, reason.data(), reason.size()) < 0 ? 127 : 126);
+void Print(std::string_view message) {
+    if (write(STDERR_FILENO, message.data(), message.size()) < 0) return;  // nobody reads it
 }
 
-// The supervisor's descriptors are the socket as 0 and the terminal as 1 and 2, nothing else: a
+// Leaves the supervisor the socket as descriptor 0 and the terminal as 1 and 2, nothing else: a
 // port or a display that it kept would stay open for as long as the run lasts.
 void KeepOnly(int program, int terminal) {
     program = fcntl(program, F_DUPFD, 3);
@@ -82,9 +82,8 @@ void KeepOnly(int program, int terminal) {
 #endif
 }
 
-// When memory runs out, the kernel kills the process that uses the largest share of it, in
-// thousandths, plus this adjustment. The supervisor counts the pages that it shares with the
-// program, but has to outlive the run. The run's processes inherit the adjustment.
+// When memory runs out, the kernel kills the process with the highest score, which runs up to 1000.
+// Raise the run's by 500, so that the supervisor outlives it.
 void BeKilledBeforeSupervisor() {
 #ifdef __linux__
     const int file = open("/proc/self/oom_score_adj", O_RDWR | O_CLOEXEC);
@@ -94,7 +93,7 @@ void BeKilledBeforeSupervisor() {
     if (count > 0) std::from_chars(text.data(), text.data() + count, adjustment);
     adjustment = std::min(adjustment + 500, 1000);
     const char* end = std::to_chars(text.data(), text.data() + text.size(), adjustment).ptr;
-    // Without the permission the run goes on all the same.
+    // A failure doesn't matter to the run.
     if (pwrite(file, text.data(), static_cast<std::size_t>(end - text.data()), 0) < 0) errno = 0;
     close(file);
 #endif
@@ -119,21 +118,26 @@ void BeKilledBeforeSupervisor() {
     close(STDIN_FILENO);
     open("/dev/null", O_RDONLY);  // becomes the standard input, the lowest free file descriptor
     execve("/bin/sh", arguments, environment);
-    Fail(errno == E2BIG ? kTooLong : kNoShell);
+    Print(errno == E2BIG ? kTooLong : kNoShell);
+    _exit(126);
 }
 
 [[noreturn]] void BecomeSupervisor(int program, int terminal, char* const* arguments,
                                    char* const* environment) {
     setsid();  // out of reach of the keys and job control of the program's own terminal
 #ifdef __linux__
-    prctl(PR_SET_NAME, "quillstone-run");  // so that "killall quillstone" spares it
+    prctl(PR_SET_NAME, "quillstone-run");  // "killall quillstone" spares it
     prctl(PR_SET_CHILD_SUBREAPER, 1);
     prctl(PR_SET_PDEATHSIG, SIGCONT);  // wakes a stopped supervisor when the program ends
 #endif
     KeepOnly(program, terminal);
+    WakeOnChildEnd();
     const pid_t supervisor = getpid();
     const pid_t shell = fork();
-    if (shell < 0) Fail(kNoProcess);
+    if (shell < 0) {
+        Print(kNoProcess);
+        EndSupervisor(STDIN_FILENO);
+    }
     if (shell == 0) ExecuteShell(supervisor, arguments, environment);
     Supervise(STDIN_FILENO, shell);
 }
@@ -159,7 +163,7 @@ pid_t Spawn(std::string_view command, const Terminal& terminal, int& supervisor)
     pthread_sigmask(SIG_SETMASK, &all, &before);
     const pid_t child = fork();
     if (child == 0) {
-        // Frees two descriptors for KeepOnly, in case the process is at its limit.
+        // KeepOnly needs two free descriptors, also where the process is at its limit.
         close(ours);
         close(terminal.Master());
         BecomeSupervisor(theirs, terminal.Slave(), argumentPointers.data(),

@@ -15,8 +15,8 @@
 
 namespace {
 
-// Output is taken in such portions, so that input events come between two of them. To show a line
-// costs as much as to show some tens of bytes.
+// The limits of a portion of output, in bytes and in lines. Input events are handled between two
+// portions. To show a line costs as much as to show some tens of bytes.
 constexpr std::size_t kPortion = 64UL * 1024;
 constexpr std::ptrdiff_t kPortionLines = 2000;
 
@@ -32,8 +32,8 @@ bool PassesBytesAsTheyAre(int terminal) {
 Terminal::Terminal() {
     winsize size{.ws_row = 24, .ws_col = 80, .ws_xpixel = 0, .ws_ypixel = 0};
     if (openpty(&mMaster, &mSlave, nullptr, nullptr, &size) != 0) return;
-    // Neither end may reach a child by inheritance: a tool that held the master would never be
-    // hung up. macOS takes O_NONBLOCK only now that the other end is open too.
+    // Children must not inherit either end: a tool that held the master would never get SIGHUP.
+    // macOS accepts O_NONBLOCK only once both ends are open.
     if (fcntl(mMaster, F_SETFD, FD_CLOEXEC) == 0 && fcntl(mSlave, F_SETFD, FD_CLOEXEC) == 0 &&
         fcntl(mMaster, F_SETFL, O_NONBLOCK) == 0 && PassesBytesAsTheyAre(mSlave))
         return;

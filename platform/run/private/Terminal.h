@@ -5,21 +5,21 @@
 
 class Terminal {
   public:
-    // Where it fails, errno says why.
+    // On failure IsOpen() is false, and errno says why.
     Terminal();
     Terminal(const Terminal&) = delete;
     Terminal& operator=(const Terminal&) = delete;
-    // Hangs up the processes whose controlling terminal it is.
+    // Sends SIGHUP to the processes whose controlling terminal it is.
     ~Terminal() { Close(); }
 
     bool IsOpen() const { return mSlave >= 0; }
-    // Our end.
+    // The program's end.
     int Master() const { return mMaster; }
-    // The tool's end. Held open here too, so that the master never reads an end of file while
-    // the tool's processes come and go.
+    // The tool's end. It stays open here too: otherwise the master would read an end of file
+    // whenever no process of the tool has it open.
     int Slave() const { return mSlave; }
 
-    // The output that has arrived, up to a portion; empty if there is none. Never waits.
+    // Reads the next portion of the output without blocking. Empty if there is none.
     std::string Read() const;
 
   private:

@@ -1,4 +1,4 @@
-#include "platform/run/private/Supervise.h"
+#include "platform/run/private/SupervisorProcess.h"
 
 #include <signal.h>
 #include <sys/select.h>
@@ -16,39 +16,43 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
-constexpr auto kGraceWithoutProgram = 300ms;  // from the request to end until the kill
-constexpr auto kGiveUpAfter = 1s;             // from the first kill
-constexpr auto kLookAgainAfter = 10ms;        // for processes that a kill has missed
+constexpr auto kGraceWithoutProgram = 300ms;  // between SIGTERM and SIGKILL
+constexpr auto kGiveUpAfter = 1s;             // after the first SIGKILL
+constexpr auto kKillAgainAfter = 10ms;        // for processes that have been forked meanwhile
 
 constexpr auto kNever = Clock::time_point::max();
 
-class Supervision {
+void Report(int program, pid_t report) {
+    if (write(program, &report, sizeof report) < 0) return;  // the program is gone
+}
+
+class SupervisorProcess {
   public:
-    Supervision(int program, pid_t shell) : mProgram(program), mShell(shell) {}
+    SupervisorProcess(int program, pid_t shell) : mProgram(program), mShell(shell) {}
 
     [[noreturn]] void Run() {
         for (;;) {
             const bool anyone = Reap();
-            if (!anyone) _exit(0);
-            if (!mShellLives && !mToldItsEnd) {
-                mToldItsEnd = true;
-                Tell(kShellEnded);
+            if (!anyone) EndSupervisor(mProgram);
+            if (!mShellLives && !mReportedItsEnd) {
+                mReportedItsEnd = true;
+                Report(mProgram, kShellEnded);
             }
             const auto now = Clock::now();
             if (now >= mGiveUpAt) {
-                TellWhoIsLeft();
-                _exit(0);
+                ReportSurvivors();
+                EndSupervisor(mProgram);
             }
             if (now >= mKillAt) {
                 if (mGiveUpAt == kNever) mGiveUpAt = now + kGiveUpAfter;
                 Signal(SIGKILL);
             }
-            if (Wait(mKillAt > now ? mKillAt : now + kLookAgainAfter)) Obey();
+            if (Wait(mKillAt > now ? mKillAt : now + kKillAgainAfter)) HandleOrder();
         }
     }
 
   private:
-    // Reaps zombies. True while a process of the run is left.
+    // Reaps zombies. Returns true while the run has a process.
     bool Reap() {
         pid_t dead = 0;
         while ((dead = waitpid(-1, nullptr, WNOHANG)) > 0)
@@ -72,19 +76,15 @@ class Supervision {
         }
     }
 
-    void TellWhoIsLeft() const {
-        ProcessList left;
-        AddChildren(getpid(), left);
-        if (left.Count() == 0) left.Add(mShell);
-        for (const pid_t process : left) Tell(process);
+    void ReportSurvivors() const {
+        ProcessList survivors;
+        AddChildren(getpid(), survivors);
+        if (survivors.Count() == 0) survivors.Add(mShell);
+        for (const pid_t process : survivors) Report(mProgram, process);
     }
 
-    void Tell(pid_t report) const {
-        if (write(mProgram, &report, sizeof report) < 0) return;  // nobody is there any more
-    }
-
-    // Waits until that time or until a child ends. True if there is something to read from the
-    // program.
+    // Waits until that time or until a child ends. Returns true if an order or the end of file can
+    // be read.
     bool Wait(Clock::time_point until) const {
         using std::chrono::duration_cast;
         const auto left = std::max(until - Clock::now(), Clock::duration(0));
@@ -102,7 +102,7 @@ class Supervision {
                        &blocked) > 0;
     }
 
-    void Obey() {
+    void HandleOrder() {
         char order = 0;
         const auto count = read(mProgram, &order, 1);
         if (count < 0 && errno == EINTR) return;
@@ -114,22 +114,28 @@ class Supervision {
         } else if (order == static_cast<char>(Order::Kill)) {
             mKillAt = Clock::now();
         } else if (order == static_cast<char>(Order::LetGo)) {
-            _exit(0);
+            EndSupervisor(mProgram);
         }
         if (first) Signal(SIGTERM);
     }
 
     const int mProgram;
     const pid_t mShell;
-    bool mShellLives = true, mToldItsEnd = false, mEnding = false, mProgramGone = false;
+    bool mShellLives = true, mReportedItsEnd = false, mEnding = false, mProgramGone = false;
     Clock::time_point mKillAt = kNever, mGiveUpAt = kNever;
 };
 
 }  // namespace
 
-void Supervise(int program, pid_t shell) {
+void Supervise(int program, pid_t shell) { SupervisorProcess(program, shell).Run(); }
+
+void WakeOnChildEnd() {
     struct sigaction wake = {};
     wake.sa_handler = [](int) {};
     sigaction(SIGCHLD, &wake, nullptr);
-    Supervision(program, shell).Run();
+}
+
+void EndSupervisor(int program) {
+    Report(program, kDone);
+    _exit(0);
 }
