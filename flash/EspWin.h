@@ -92,7 +92,10 @@ class EspWin : public Window {
     void DeletePB_Action(PushButton& sender);
     void AddressEF_TextChange(TextField& sender);
     void SelectUploadFile();
-    void SetInstallSetting(const FolderItemRef& file);
+    // Found by the search at the start, or chosen by the user. Next to a setting file that was
+    // found, images that a stranger may have put there are passed over.
+    enum class Origin { Found, Chosen };
+    void SetInstallSetting(const FolderItemRef& file, Origin origin = Origin::Found);
     void SetUploadFileToList(const FolderItemRef& file, const std::string& address);
 
     // serial/: the ports and the connection.

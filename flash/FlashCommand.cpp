@@ -2,7 +2,7 @@
 #include <vector>
 
 #include "flash/EspWin.h"
-#include "platform/application/System.h"
+#include "platform/system/System.h"
 
 void EspWin::MakeCommand() {
     std::vector<std::string> files;

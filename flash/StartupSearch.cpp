@@ -4,18 +4,17 @@
 
 namespace {
 
-// Nobody has chosen what the search finds, and Start runs it. So it passes over what somebody else
-// may have planted, say in /tmp.
-FolderItemRef ExistingChild(const FolderItemRef& folder, std::string_view name) {
-    const FolderItemRef child = folder ? folder->Child(name) : nullptr;
-    return child && child->Exists() && !child->MayBePlanted() ? child : nullptr;
+// The user hasn't chosen what the search finds, and Start runs it. So the search passes over what a
+// stranger may have planted, say in /tmp.
+FolderItemRef TrustedChild(const FolderItemRef& folder, std::string_view name) {
+    return folder ? folder->TrustedChild(name) : nullptr;
 }
 
 // In the base folder, or one or two levels above it.
 FolderItemRef FindBinFolder() {
     FolderItemRef folder = GetFolderItem("", 0);
     for (int level = 0; folder && level < 3; ++level) {
-        if (FolderItemRef bin = ExistingChild(folder, "bin")) return bin;
+        if (FolderItemRef bin = TrustedChild(folder, "bin")) return bin;
         folder = folder->Parent();
     }
     return nullptr;
@@ -24,7 +23,7 @@ FolderItemRef FindBinFolder() {
 }  // namespace
 
 void EspWin::Event_Open() {
-    FolderItemRef tool = ExistingChild(ExistingChild(GetFolderItem("", 0), "esptool"), "esptool");
+    FolderItemRef tool = TrustedChild(TrustedChild(GetFolderItem("", 0), "esptool"), "esptool");
     // In a clone of the official tool's repository this is a folder.
     if (tool && !tool->IsFile()) tool = nullptr;
     EspToolEF().Text("");
@@ -33,7 +32,7 @@ void EspWin::Event_Open() {
 
     // The search ends at the nearest folder named bin, even if the file isn't in it.
     if (const FolderItemRef bin = FindBinFolder())
-        SetInstallSetting(ExistingChild(bin, "installsetting.csv"));
+        SetInstallSetting(TrustedChild(bin, "installsetting.csv"));
 }
 
 // The end of the program also ends a running tool and closes an open port.

@@ -1,6 +1,6 @@
 #include "frame/Captions.h"
 
-#include "platform/application/System.h"
+#include "platform/system/System.h"
 
 namespace Module1 {
 

@@ -3,7 +3,7 @@
 
 #include "flash/EspWin.h"
 #include "frame/Captions.h"
-#include "platform/application/System.h"
+#include "platform/system/System.h"
 #include "platform/text/Text.h"
 
 void EspWin::BaudPM_Open(PopupMenu& sender) {

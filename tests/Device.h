@@ -6,7 +6,7 @@
 #include <stdlib.h>
 #include <unistd.h>
 
-#include "platform/application/System.h"
+#include "platform/system/System.h"
 
 // The device's side of a port. Destroying it pulls the device out.
 struct Device {

@@ -1,7 +1,9 @@
 // The two file dialogs, driven by keyboard while they block their handler.
 #include <QComboBox>
+#include <QContextMenuEvent>
 #include <QFileDialog>
 #include <QLabel>
+#include <QLineEdit>
 #include <QTimer>
 #include <QTreeView>
 
@@ -49,6 +51,19 @@ struct Chooser : PreparedFolder, OpenedWindow {
     QString Image(int row) const { return window.ulb().Cell(row, 0).c_str(); }
 };
 
+// The names of the items in the context menu of a text.
+QStringList ContextMenu(QWidget& text) {
+    text.setFocus();
+    QContextMenuEvent event(QContextMenuEvent::Keyboard, {}, {});
+    QApplication::sendEvent(&text, &event);
+    QWidget* menu = QApplication::activePopupWidget();
+    if (!menu) return {};
+    QStringList names;
+    for (const QAction* action : menu->actions()) names += action->objectName();
+    menu->close();
+    return names;
+}
+
 const QString kNoImages = " -vv -cd ck -cb 115200 ";
 
 }  // namespace
@@ -87,6 +102,8 @@ class DialogTest : public QObject {
             const auto* label = dialog.findChild<QLabel*>("PromptText");
             if (!QTest::qWaitFor(lists) || !label->isVisible()) return;
             if (label->geometry().bottom() >= view->mapTo(&dialog, QPoint()).y()) return;
+            // Only the system's own dialogs resolve links, so Tool doesn't see this.
+            if (!dialog.testOption(QFileDialog::DontResolveSymlinks)) return;
             texts = {dialog.windowTitle(), label->text()};
             Key(Qt::Key_Escape);
         }));
@@ -132,6 +149,32 @@ class DialogTest : public QObject {
         QVERIFY(chooser.Choose("SelectPB", {"a b/job.CSV"}));
         QCOMPARE(chooser.Command(),
                  " -vv -cd none -cb 9600 -ca 0x9 -cf '" + chooser.Path("a b/one.bin") + '\'');
+    }
+
+    void ContextMenus() {
+        const Chooser chooser;
+        for (const char* name : {"InstallEF", "ResetEF"})
+            QVERIFY(ContextMenu(*chooser.Widget<QWidget>(name)).contains("EditPaste"));
+        QStringList items;
+        QVERIFY(chooser.Answer("SelectPB", [&](QFileDialog& dialog) {
+            items = ContextMenu(*dialog.findChild<QLineEdit*>());
+            Key(Qt::Key_Escape);
+        }));
+        QVERIFY(!items.isEmpty() && !items.contains("EditPaste"));
+    }
+
+    // In a folder that every user can write to, the load at the start passes over a stranger's
+    // image.
+    void ImageOfAStranger() {
+        Chooser chooser;
+        for (const char* name : {"job.csv", "x.bin"}) chooser.Write(name, "up,x.bin,0");
+        chmod(chooser.Path().toUtf8(), 01777);
+        SetUser(chooser.Owner() + 1);
+        const auto restore = qScopeGuard([] { SetUser({}); });
+        chooser.window.SetInstallSetting(chooser.Item("job.csv"));
+        QCOMPARE(chooser.Image(0), "");
+        QVERIFY(chooser.Choose("SelectPB", {"job.csv"}));
+        QVERIFY(chooser.Image(0).startsWith("x.bin ("));
     }
 
     void BeginsInDocumentsWithoutABaseFolder() {

@@ -24,6 +24,11 @@ struct Terminal : PreparedFolder, OpenedWindow {
     bool PressConnect(bool connected) const {
         return OpenedWindow::PressConnect() == connected && Shows(connected);
     }
+    // The same for a connect that fails, with one beep.
+    bool PressConnectInVain() const {
+        const int before = System().Beeps;
+        return PressConnect(false) && System().Beeps == before + 1;
+    }
     bool Shows(bool connected) const {
         return window.mConnected == connected &&
                Widget<QPushButton>("ConnectPB")->text() == (connected ? "Disconnect" : "Connect");
@@ -36,6 +41,37 @@ struct Terminal : PreparedFolder, OpenedWindow {
 class SerialTest : public QObject {
     Q_OBJECT
   private slots:
+#ifdef __linux__
+    void PortsOfTheMachine_data() {
+        const auto row = Columns<QStringList, QStringList>("terminals", "ports");
+        row("several on USB", {"ttyUSB10 usb/1", "ttyUSB2 usb/2", "ttyACM0 usb/3"},
+            {"ttyACM0", "ttyUSB2", "ttyUSB10"});
+        row("USB comes first", {"ttyS0 pci", "ttyUSB10 usb/1"}, {"ttyUSB10", "ttyS0"});
+        row("more than the mainboard has", {"ttyS0 pci 4", "ttyS1 pci 0"}, {"ttyS0"});
+        row("without a device", {"tty1", "ptmx", "rfcomm0", "tnt0", "ttyGS0"},
+            {"tnt0", "ttyGS0", "rfcomm0"});
+        row("none", {}, {});
+    }
+    // Each terminal is written as its name, its device and the kernel's number for its type.
+    void PortsOfTheMachine() {
+        QFETCH(const QStringList, terminals);
+        const PreparedFolder folder;
+        folder.Write("usb/idVendor", "");
+        for (const QString& terminal : terminals) {
+            const QString port = "tty/" + terminal.section(' ', 0, 0);
+            const QString device = folder.Path(terminal.section(' ', 1, 1));
+            QVERIFY(QDir().mkpath(folder.Path(port)) && QDir().mkpath(device));
+            if (terminal.contains(' ')) QVERIFY(QFile::link(device, folder.Path(port + "/device")));
+            if (terminal.count(' ') == 2)
+                folder.Write(port + "/type", terminal.section(' ', 2).toUtf8() + '\n');
+        }
+        QStringList ports;
+        for (const std::string& name : MachinePortNames(folder.Path("tty").toStdString()))
+            ports += QString::fromStdString(name);
+        QTEST(ports, "ports");
+    }
+#endif
+
     void Selection_data() {
         using Devices = QList<size_t>;  // by number
         const auto row = Columns<Devices, Devices, int>("connected", "found", "selected");
@@ -114,15 +150,15 @@ class SerialTest : public QObject {
         const int lock = open(device.path.c_str(), O_RDWR | O_NOCTTY);
         QCOMPARE(flock(lock, LOCK_EX | LOCK_NB), 0);
         const auto files = OpenFiles();
-        QVERIFY(terminal.PressConnect(false));  // no port
+        QVERIFY(terminal.PressConnectInVain());  // no port
         for (const std::string& name : {std::string("null"), std::string("nowhere"), device.name}) {
             terminal.Scan({name});  // no terminal, no device, somebody else's
-            QVERIFY(terminal.PressConnect(false));
+            QVERIFY(terminal.PressConnectInVain());
         }
         QCOMPARE(OpenFiles(), files);
         QCOMPARE(flock(lock, LOCK_UN), 0);
         terminal.Ports({});
-        QVERIFY(terminal.PressConnect(false));  // gone since the scan
+        QVERIFY(terminal.PressConnectInVain());  // gone since the scan
         terminal.Ports({device.name});
         QVERIFY(terminal.PressConnect(true));
         QCOMPARE(flock(lock, LOCK_EX | LOCK_NB), -1);  // nobody else gets it now

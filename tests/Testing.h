@@ -3,20 +3,22 @@
 #pragma once
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <QApplication>
 #include <QFile>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
+#include <filesystem>
 #include <memory>
 #include <string>
 
 #include "flash/EspWin.h"
 #include "frame/Startup.h"
 #include "platform/application/Application.h"
-#include "platform/application/System.h"
 #include "platform/files/FolderItem.h"
+#include "platform/system/System.h"
 
 // A failed comparison prints both texts.
 template <>
@@ -84,6 +86,15 @@ class PreparedFolder {
     // A shell script in the flash tool's place.
     QString WriteTool(const QByteArray& script) const {
         return Write("esptool/esptool", "#!/bin/sh\n" + script, 0755);
+    }
+
+    // The owner of everything in the test's folder: never root, whom everybody trusts.
+    uid_t Owner() const {
+        if (geteuid() != 0) return geteuid();
+        const std::string root = mRoot.path().toStdString();
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(root))
+            if (lchown(entry.path().c_str(), 1, 0) != 0) qFatal("can't give a file away");
+        return 1;
     }
 
   private:

@@ -8,7 +8,7 @@
 
 // The load skips lines that it can't use, without a message. A file that can't be opened changes
 // nothing. A file that can be opened replaces the list.
-void EspWin::SetInstallSetting(const FolderItemRef& file) {
+void EspWin::SetInstallSetting(const FolderItemRef& file, Origin origin) {
     if (!file || !file->Exists()) return;
     const auto stream = TextInputStream::Open(file);
     if (!stream) return;
@@ -35,7 +35,8 @@ void EspWin::SetInstallSetting(const FolderItemRef& file) {
             for (std::int64_t i = 0; i < speeds.ListCount(); ++i)
                 if (Equal(value, speeds.List(i))) speed = i;
         } else if (Equal(key, "up")) {
-            const FolderItemRef image = folder->Child(value);
+            const FolderItemRef image =
+                origin == Origin::Chosen ? folder->Child(value) : folder->TrustedChild(value);
             if (image && image->Exists()) SetUploadFileToList(image, NthField(line, ",", 3));
         }
     } while (!stream->Eof());

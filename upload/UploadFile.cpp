@@ -19,6 +19,6 @@ void EspWin::SelectUploadFile() {
     if (Equal(type, FileTypes1::BinFile().Name()))
         SetUploadFileToList(file, "");
     else if (Equal(type, FileTypes1::InstSet().Name()))
-        SetInstallSetting(file);
+        SetInstallSetting(file, Origin::Chosen);
     MakeCommand();
 }

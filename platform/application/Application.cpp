@@ -6,6 +6,7 @@
 #include <QLocale>
 #include <QMimeData>
 #include <QPalette>
+#include <QSettings>
 #include <QStyleHints>
 #include <QTranslator>
 #include <cstdio>
@@ -116,6 +117,9 @@ void InitializeFramework(const std::function<void()>& ready) {
         const DisplayWatch watch;
         TheProgram().qt = std::make_unique<QtApplication>(count, arguments);
     }
+    // The program keeps nothing from one start to the next. Qt's file dialog would write the
+    // folders that it has shown into a file of the user's.
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("/dev/null"));
     QApplication::setStyle("fusion");
     QApplication::setPalette(LightPalette());
     QApplication::setDesktopFileName(QUILLSTONE_APP_ID);

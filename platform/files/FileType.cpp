@@ -6,7 +6,7 @@
 
 namespace {
 
-// In the order of registration. The types live as long as the program or take themselves out.
+// In the order of registration. A type that is destroyed takes itself out.
 std::vector<const FileType*>& Registered() {
     static std::vector<const FileType*> types;
     return types;
@@ -14,7 +14,7 @@ std::vector<const FileType*>& Registered() {
 
 }  // namespace
 
-// The registry outlives every type: it is there before the first of them.
+// Makes the registry before the type, so that the registry is destroyed after it.
 FileType::FileType() { Registered(); }
 
 void FileType::Set(std::string& property, std::string_view value) {
@@ -34,10 +34,8 @@ FileType::operator std::string() {
     return mName;
 }
 
-std::string operator+(FileType& a, FileType& b) { return std::string(a) + b; }
-
-std::string operator+(const std::string& filter, FileType& type) {
-    std::string sum = filter + ";" + std::string(type);
+std::string operator+(FileType& a, FileType& b) {
+    std::string sum = std::string(a) + ";" + std::string(b);
     for (auto at = sum.find(";;"); at != sum.npos; at = sum.find(";;", at)) sum.erase(at, 1);
     return sum;
 }

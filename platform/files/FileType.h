@@ -4,8 +4,8 @@
 #include <string_view>
 #include <vector>
 
-// A kind of file that the program knows by extension. Converting it to a string registers it. Only
-// registered types count. Setting a property unregisters it, so set all of them first.
+// A kind of file that the program knows by its extension. Only registered types count. Converting
+// a type to a string registers it; setting a property unregisters it, so set all of them first.
 class FileType {
   public:
     const std::string& Name() const { return mName; }
@@ -13,7 +13,7 @@ class FileType {
     // One extension, without its dot.
     const std::string& Extensions() const { return mExtensions; }
     void Extensions(std::string_view extensions) { Set(mExtensions, extensions); }
-    // Nothing else of a type matters on the systems that we run on.
+    // The systems that we run on have no use for these properties.
     void MacType(std::string_view) { Unregister(); }
     void MacCreator(std::string_view) { Unregister(); }
     void MimeType(std::string_view) { Unregister(); }
@@ -28,7 +28,8 @@ class FileType {
     // Registers the type. The string is its Name.
     explicit operator std::string();
 
-    // Name of the first registered type with the extension of `fileName`, in any case; else empty.
+    // The Name of the first registered type with the extension of `fileName`, without regard to
+    // case. Empty if there is none.
     static std::string NameFor(std::string_view fileName);
 
     // The extensions of the registered types that `filter` names, without dots.
@@ -42,6 +43,5 @@ class FileType {
     std::string mName, mExtensions;
 };
 
-// The filter of a dialog that offers all the types of a sum. Registers them.
+// The filter of a dialog that offers both types. Registers them.
 std::string operator+(FileType& a, FileType& b);
-std::string operator+(const std::string& filter, FileType& type);

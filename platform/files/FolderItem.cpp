@@ -21,7 +21,7 @@ bool PlainInShell(char c) {
            std::string_view("_./+,:@%=-").find(c) != std::string_view::npos;
 }
 
-// Asked of the system as bytes: a folder's name need not be valid text.
+// Asks the system for bytes, since a folder's name need not be valid text.
 std::string FindBaseFolder() {
     std::error_code error;
     fs::path program = fs::read_symlink("/proc/self/exe", error);
@@ -60,8 +60,8 @@ FolderItemRef FolderItem::Child(std::string_view name) const {
     return similar.empty() ? child : std::make_shared<const FolderItem>(folder + similar);
 }
 
-// Names that are no valid text are left out: different ones would look alike. So is a name that is
-// longer than any file's: Qt takes time by the square of the accents in a row.
+// Leaves out names that are no valid text, since different ones would look alike, and names that
+// are longer than any file's: Qt's time grows by the square of the number of accents in a row.
 std::string FolderItem::SimilarName(std::string_view name) const {
     constexpr std::size_t kLongestName = 1024;
     if (name.size() > kLongestName || !IsUtf8(name)) return {};
@@ -90,6 +90,11 @@ bool FolderItem::Exists() const {
 bool FolderItem::IsFile() const {
     struct stat found = {};
     return stat(mPath.c_str(), &found) == 0 && S_ISREG(found.st_mode);
+}
+
+FolderItemRef FolderItem::TrustedChild(std::string_view name) const {
+    const FolderItemRef child = Child(name);
+    return child && child->Exists() && !child->MayBePlanted() ? child : nullptr;
 }
 
 bool FolderItem::MayBePlanted() const {
@@ -125,7 +130,7 @@ std::string FolderItem::Type() const { return FileType::NameFor(Name()); }
 
 FolderItemRef GetFolderItem(std::string_view path, int pathType) {
     if (!path.empty() || pathType != 0) return nullptr;
-    // Taken once: the program's own path reads differently after its file has been deleted.
+    // Asked once: after its file has been deleted, the program's path reads differently.
     static const std::string found = FindBaseFolder();
     const std::string& replaced = ReplacedBaseFolder();
     auto folder = std::make_shared<const FolderItem>(replaced.empty() ? found : replaced);

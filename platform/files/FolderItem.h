@@ -23,15 +23,15 @@ class FolderItem {
     // equal without regard to case. nullptr for a name that is no entry's: empty, ".", "..", or
     // with a path separator or a NUL in it.
     FolderItemRef Child(std::string_view name) const;
+    // The same, but nullptr also for an entry that doesn't exist, or that a stranger may have put
+    // there: this folder lets every user write, and the entry (of a link the link itself) belongs
+    // neither to the user nor to root. Linux has the same rule for opening files
+    // (fs.protected_regular). A group that can write to the folder counts as trusted.
+    FolderItemRef TrustedChild(std::string_view name) const;
 
     bool Exists() const;
     // A regular file, or a link to one.
     bool IsFile() const;
-    // Whether somebody else may have put it there: its folder lets every user write, and the entry
-    // (of a link the link itself) belongs neither to the user nor to root. Linux has the same rule
-    // for opening files (fs.protected_regular). A folder that only a group can write to counts as
-    // that group's own.
-    bool MayBePlanted() const;
     std::string Name() const;
     std::string NativePath() const { return mPath; }
 
@@ -48,15 +48,16 @@ class FolderItem {
     using Names = std::multimap<std::string, std::string, std::less<>>;
 
     std::string SimilarName(std::string_view name) const;
+    bool MayBePlanted() const;
 
-    // The folder's names by their case-folded form. Read when first needed, so that a search for
-    // many names that aren't there reads the folder once.
+    // The folder's names by their case-folded form. SimilarName reads them when it first needs
+    // them, so that a search for many missing names reads the folder once.
     mutable std::optional<Names> mNames;
     std::string mPath;
 };
 
-// Path type 0 and an empty path: the base folder. nullptr where that folder is gone. The logic asks
-// for no other. It is the folder that holds the running program (on macOS the one that holds its
+// An empty path and path type 0 give the base folder, or nullptr if that folder is gone. The logic
+// asks for no other. The base folder is the one that holds the running program (on macOS, its
 // bundle). An installed program, which lies in PREFIX/lib/quillstone with a link in PREFIX/bin,
 // takes the folder in which it was started.
 FolderItemRef GetFolderItem(std::string_view path, int pathType);
@@ -65,8 +66,8 @@ namespace SpecialFolder {
 FolderItemRef Documents();
 }
 
-// Replaces the base folder, for tests that prepare one of their own; empty ends that.
+// Replaces the base folder, for tests that prepare one of their own. An empty path ends that.
 void SetBaseFolder(std::string path);
 
-// Replaces the number of the user that MayBePlanted compares with, for tests; nothing ends that.
+// Replaces the user that TrustedChild trusts, for tests. No value ends that.
 void SetUser(std::optional<std::uint32_t> user);

@@ -7,7 +7,6 @@
 #include <QLabel>
 #include <QLayout>
 #include <QLocale>
-#include <QSettings>
 #include <QTreeView>
 
 #include "platform/files/FileType.h"
@@ -15,7 +14,7 @@
 
 namespace {
 
-// "*.[bB][iI][nN]": not every system's dialog takes patterns without regard to case.
+// "*.[bB][iI][nN]": some systems' dialogs match patterns with regard to case.
 QString AnyCasePattern(const std::string& extension) {
     QString pattern = QStringLiteral("*.");
     for (const QChar c : ToQt(extension))
@@ -40,9 +39,6 @@ FolderItemRef OpenDialog::InitialDirectory() const {
 }
 
 FolderItemRef OpenDialog::ShowModal() {
-    // Qt's own dialog would write the folders that it has seen into a file of the user's.
-    // The program keeps nothing from one start to the next.
-    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("/dev/null"));
     QFileDialog dialog(QApplication::activeWindow());
     dialog.setAcceptMode(QFileDialog::AcceptOpen);
     dialog.setFileMode(QFileDialog::ExistingFile);
@@ -50,7 +46,7 @@ FolderItemRef OpenDialog::ShowModal() {
     dialog.setOption(QFileDialog::HideNameFilterDetails);
     dialog.setNameFilter(NameFilter(mFilter));
     if (const auto folder = InitialDirectory()) dialog.setDirectory(ToQt(folder->NativePath()));
-    // Only Qt's own dialog has a layout; the system's has no place for the prompt.
+    // Only Qt's own dialog has a layout. The system's dialog has no place for the prompt.
     if (QLayout* layout = dialog.layout()) {
         dialog.setLayoutDirection(QLocale().textDirection());
         dialog.setWindowTitle(ToQt(mTitle));

@@ -6,22 +6,22 @@
 
 #include "platform/files/FolderItem.h"
 
-// Reads a text file line by line. A leading byte order mark is skipped. The text is UTF-8, or
-// Shift_JIS where the file as a whole isn't valid UTF-8. Lines end with LF, CRLF or CR.
+// Reads a text file line by line and skips a leading byte order mark. The text is UTF-8, or
+// Shift_JIS if the file as a whole isn't valid UTF-8. Lines end with LF, CRLF or CR.
 class TextInputStream {
   public:
-    // Bytes of the largest file that is read.
+    // The size of the largest file that Open accepts, in bytes.
     static constexpr std::size_t kLargestFile = 16UL * 1024 * 1024;
 
-    // Reads the whole file. nullptr for one that can't be opened or read to its end, that is larger
-    // than the limit, or that is no regular file. Raises NilObjectException for a nullptr.
+    // Reads the whole file. Returns nullptr if the file can't be opened or read to its end, is
+    // larger than the limit, or is no regular file. Raises NilObjectException for a nullptr.
     static std::unique_ptr<TextInputStream> Open(const FolderItemRef& file);
 
-    // The next line as UTF-8, without its line end; empty at the end. `encoding` is always nullptr:
-    // the file's own is found as said above.
+    // The next line as UTF-8, without its line end; empty at the end of the file. `encoding` is
+    // always nullptr, since the class finds the encoding itself.
     std::string ReadLine(std::nullptr_t encoding = nullptr);
 
-    // True when nothing is left to read. (EOF is a macro of <cstdio>.)
+    // True at the end of the file. (EOF is a macro of <cstdio>.)
     bool Eof() const { return mNext == mText.size(); }
     void Close() { mNext = mText.size(); }
 

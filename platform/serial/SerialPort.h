@@ -18,8 +18,9 @@ class SerialPort {
     std::string mName, mDevicePath;
 };
 
-// The prefix of all device paths on this system.
+// The beginning of all device paths on this system.
 std::string_view SerialPortPrefix();
 
-// The names of the machine's ports now, those on USB first.
-std::vector<std::string> MachinePortNames();
+// Lists the names of the machine's ports, those on USB first. Linux has them in `folder`; macOS
+// ignores it.
+std::vector<std::string> MachinePortNames(const std::string& folder = "/sys/class/tty");

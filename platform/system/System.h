@@ -16,14 +16,17 @@ class SystemClass {
     // The port at that position at the last SerialPortCount; an unnamed one outside its range.
     ::SerialPort SerialPort(std::int64_t index) const;
 
-    // `defaultText`, since there is no store of translated texts.
+    // Returns `defaultText`, since there is no store of translated texts.
     std::string GetLocalizedString(std::string_view key, std::string_view defaultText,
                                    std::string_view language) const;
 
-    // Where the port names come from, and what their devices' paths begin with. A test puts
-    // values of its own here.
+    // Tests replace these two: the function that lists the names of the ports, and the beginning of
+    // the paths of their devices.
     std::function<std::vector<std::string>()> PortNames;
     std::string DevicePrefix;
+
+    // How often Beep was called. Tests read it, since they can't hear.
+    int Beeps = 0;
 
   private:
     friend SystemClass& System();

@@ -1,8 +1,9 @@
-#include "platform/application/System.h"
+#include "platform/system/System.h"
 
 #include <QApplication>
 
-SystemClass::SystemClass() : PortNames(MachinePortNames), DevicePrefix(SerialPortPrefix()) {}
+SystemClass::SystemClass()
+    : PortNames([] { return MachinePortNames(); }), DevicePrefix(SerialPortPrefix()) {}
 
 std::int64_t SystemClass::SerialPortCount() {
     mPorts = PortNames();
@@ -24,4 +25,7 @@ SystemClass& System() {
     return system;
 }
 
-void Beep() { QApplication::beep(); }
+void Beep() {
+    ++System().Beeps;
+    QApplication::beep();
+}
