@@ -1,10 +1,12 @@
-// A start that gets no display, as the program itself ends it.
+// The program itself, started where it gets no display.
 #include <QProcess>
 
 #include "Testing.h"
 
 class StartTest : public QObject {
     Q_OBJECT
+    QTemporaryDir mFolder;
+
   private slots:
     void SaysWhatIsMissing_data() {
         const auto row = Columns<QString, QString, QString>("variable", "value", "named");
@@ -12,6 +14,11 @@ class StartTest : public QObject {
         row("no X server", "DISPLAY", ":7777", ":7777");
         row("no compositor, or no plugin", "WAYLAND_DISPLAY", "wayland-none", "ayland");
         row("no such plugin", "QT_QPA_PLATFORM", "none-such", "none-such");
+        // An empty file in the place of a library that the plugin needs. The last row: it stays
+        // set.
+        QFile library(mFolder.filePath("libQt6XcbQpa.so.6"));
+        QVERIFY(library.open(QIODevice::WriteOnly));
+        row("a plugin that can't be loaded", "LD_LIBRARY_PATH", mFolder.path(), "plugin \"xcb\"");
     }
     void SaysWhatIsMissing() {
         const auto [variable, value, named] =

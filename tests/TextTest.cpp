@@ -107,8 +107,9 @@ class TextTest : public QObject {
         row("BEL and BS", "a\ab\bc\bd 1 %\b\b\b2 %", "abcd 1 %\n2 %");
         row("no sequences", "\033[3\u00E9\033[0 1m\033\033(\n\033[1\r\u00C0\u00A0",
             "\033[3\u00E9\033[0 1m\033\033(\n\033[1\n\u00C0\u00A0");
-        row("strings without an end", "a\033]0;b\nc\a\033Pd\033[me\u009Df\u009Bmg\a\033_h\ri\a",
-            "a\033]0;b\nc\033Pde\u009Dfg\033_h\ni");
+        row("strings without an end",
+            "a\033]0;b\nc\a\033Pd\033[me\u009Df\u009Bmg\a\033_h\ri\a\033]\rj\a",
+            "a\033]0;b\nc\033Pde\u009Dfg\033_h\ni\033]\nj");
         const QByteArray x(2045, 'x'), y(3000, 'y');
         row("long strings", "\033]" + x + "\aa\033]x" + x + "\ab\033P" + y,
             "a\033]x" + x + "b\033P" + y);

@@ -1,8 +1,8 @@
 #pragma once
 
-// While it lives, a start of Qt that finds no display ends the program with status 1 and one line
-// on standard error that says what is missing. Qt itself would abort. Qt's other messages are held
-// back and written when this object is destroyed.
+// Watches the start of Qt. While an object of this class lives, a start that gets no display ends
+// the program with status 1 and one line on standard error, made of all that Qt said. Qt itself
+// would abort. If the start succeeds, the destructor writes what Qt said.
 class DisplayWatch {
   public:
     DisplayWatch();
