@@ -132,7 +132,8 @@ class FaultTest : public QObject {
         QCOMPARE(opened.window.ulb().ListCount(), std::max(rows, 1));
         const std::string address = opened.window.ulb().Cell(0, 1);
         QVERIFY(rows == 0 ? address == "former" : address.starts_with('7'));
-        QCoreApplication::processEvents();  // all of it is shown
+        const std::string command = opened.window.InstallEF().Text();
+        QCOMPARE(command.find("-ca " + address + " -cf ") != command.npos, rows > 0);
     }
 
     void PortPulledOut() {

@@ -52,8 +52,10 @@ void AddRuns(const std::function<void(const char*, QByteArray, QString)>& add) {
     add("ignores TERM", "trap '' TERM; echo x; while :; do sleep 999; done", "x\n");
     add("ignores TERM and HUP", "trap '' TERM HUP; sleep 999 & echo x; cat <&1; wait", "x\n");
     add("child in the background", "sleep 999 & echo x; cat <&1", "x\n");
-    add("child in a session", "setsid sh -c 'trap \"\" TERM; echo x; sleep 999; :' & wait", "x\n");
-    add("a daemon", "setsid sh -c 'trap \"\" TERM; sleep 999 &'; echo x; cat <&1", "x\n");
+    add("a daemon, and a child in a session",
+        "setsid sh -c 'trap \"\" TERM; sleep 999 &'; "
+        "setsid sh -c 'trap \"\" TERM; echo x; sleep 999; :' & wait",
+        "x\n");
     add("stopped by STOP", "trap 'echo last; exit' TERM; echo x; kill -STOP $$", "x\nlast\n");
     add("stops its supervisor", "kill -STOP $PPID; echo x; exec sleep 999", "x\n");
     add("twenty generations",
@@ -89,7 +91,7 @@ class RunTest : public QObject {
         row("a terminal, and no input",
             "cat; read line || echo $TERM; test -t 2 && echo own >/dev/tty", "dumb\nown\n");
         row("leaves a process", "(trap '' HUP; exec sleep 1000) & sleep .1; echo x", "x\n");
-        row("leaves endless output", "(trap '' HUP; exec yes) & sleep .1", "[y\n]*");
+        row("leaves endless output", "(trap '' HUP; exec yes) & sleep .1", "(y\n)++y?");
         row("inherits no descriptors", "ls -l /proc/self/fd | grep -c -e socket -e /dev/ptmx",
             "0\n");
     }

@@ -10,6 +10,7 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -153,8 +154,12 @@ class OpenedWindow {
     QString Shown() const { return QString::fromStdString(window.rEF().Text()).mid(8); }
     // Waits for the run's end and returns its output, or "hangs" if it doesn't end.
     QString Output() const {
-        const auto ended = [this] { return window.StartPB().Enabled(); };
-        return QTest::qWaitFor(ended, 20'000) ? Shown() : "hangs";
+        QTimer limit;  // wakes the loop too
+        limit.setSingleShot(true);
+        limit.start(20'000);
+        while (!window.StartPB().Enabled() && limit.isActive())
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        return window.StartPB().Enabled() ? Shown() : "hangs";
     }
     QString Run(const std::string& command) const {
         Start(command);
