@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "flash/EspWin.h"
+#include "flash/Speeds.h"
 #include "frame/Captions.h"
 
 namespace {
@@ -19,7 +20,8 @@ constexpr Locks kLeftRight{.Left = true, .Right = true};
 constexpr Locks kLeftTopRight{.Left = true, .Top = true, .Right = true};
 constexpr Locks kAllSides{.Left = true, .Top = true, .Right = true, .Bottom = true};
 
-void Fill(PopupMenu& popup, std::initializer_list<std::string_view> rows, std::int64_t selected) {
+template <class Rows = std::initializer_list<std::string_view>>
+void Fill(PopupMenu& popup, const Rows& rows, std::int64_t selected) {
     for (const std::string_view row : rows) popup.AddRow(row);
     popup.ListIndex(selected);
 }
@@ -79,10 +81,7 @@ void EspWin::CreateControls() {
 
     auto& speed = Add<PopupMenu>("BaudPM", {80, 82, 80, 20, kTopRight, 12, 10});
     speed.AccessibleName("Speed (-cb)");
-    Fill(speed,
-         {"2400", "4800", "7200", "9600", "14400", "19200", "28800", "38400", "57600", "76800",
-          "115200", "230400", "460800", "921600"},
-         10);
+    Fill(speed, kSpeeds, 10);
     speed.Open = On(&EspWin::BaudPM_Open);
     speed.Change = On(&EspWin::BaudPM_Change);
 
