@@ -18,11 +18,9 @@ constexpr char kList[] = "flash_args";
 // Where PlatformIO tells no other place for the application.
 constexpr char kApplicationOffset[] = "0x10000";
 
-// The text of a value that may also be a number; empty where there is none.
-std::string Text(const QJsonValue& value) { return value.toVariant().toString().toStdString(); }
-
+// A text, or a number as text.
 std::string NeedText(const QJsonValue& value, const char* name, const fs::path& file) {
-    const std::string text = Text(value);
+    std::string text = value.toVariant().toString().toStdString();
     if (text.empty()) throw Refusal("no " + std::string(name) + " in " + file.string());
     return text;
 }
@@ -39,7 +37,7 @@ std::vector<Image> ReadIdeData(const fs::path& file) {
         throw Refusal("no list extra.flash_images in " + file.string());
 
     std::vector<Image> images;
-    for (const QJsonValue& image : extra["flash_images"].toArray())
+    for (const QJsonValue image : extra["flash_images"].toArray())
         images.push_back({file.parent_path() / NeedText(image["path"], "path of an image", file),
                           NeedText(image["offset"], "offset of an image", file)});
     fs::path application = file.parent_path() / NeedText(document["prog_path"], "prog_path", file);

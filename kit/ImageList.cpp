@@ -10,33 +10,45 @@
 
 namespace {
 
-// Moves the words of a line to the end of `words`. Quotes and backslashes are those of the shell.
+char Take(std::string_view& line) {
+    const char c = line.front();
+    line.remove_prefix(1);
+    return c;
+}
+
+// Takes the rest of a quoted text and the quote at its end.
+std::string TakeQuoted(std::string_view& line, char quote, const std::string& list) {
+    std::string text;
+    while (!line.empty()) {
+        char c = Take(line);
+        if (c == quote) return text;
+        const bool escapes = quote == '"' && c == '\\';
+        if (escapes && (line.starts_with('"') || line.starts_with('\\'))) c = Take(line);
+        text += c;
+    }
+    throw Refusal("a quote without its end in " + list);
+}
+
+// Appends the words of a line. Quotes and backslashes are those of the shell.
 void SplitLine(std::string_view line, const std::string& list, std::vector<std::string>& words) {
     std::optional<std::string> word;
-    char quote = 0;
-    for (std::size_t i = 0; i < line.size(); ++i) {
-        const char c = line[i];
-        const bool lastOne = i + 1 == line.size();
-        if (!quote && (c == ' ' || c == '\t' || c == '\r')) {
+    while (!line.empty()) {
+        const char c = Take(line);
+        if (c == ' ' || c == '\t' || c == '\r') {
             if (word) words.push_back(*std::exchange(word, {}));
             continue;
         }
         if (!word) word.emplace();
-        if (c == quote) {
-            quote = 0;
-        } else if (!quote && (c == '\'' || c == '"')) {
-            quote = c;
-        } else if (!quote && c == '\\') {
-            if (lastOne) throw Refusal("nothing after a backslash in " + list);
-            *word += line[++i];
-        } else if (quote == '"' && c == '\\' && !lastOne &&
-                   (line[i + 1] == '"' || line[i + 1] == '\\')) {
-            *word += line[++i];
-        } else {
+        if (c == '\'' || c == '"') {
+            *word += TakeQuoted(line, c, list);
+        } else if (c != '\\') {
             *word += c;
+        } else if (!line.empty()) {
+            *word += Take(line);
+        } else {
+            throw Refusal("nothing after a backslash in " + list);
         }
     }
-    if (quote) throw Refusal("a quote without its end in " + list);
     if (word) words.push_back(*word);
 }
 
@@ -76,7 +88,7 @@ std::vector<Image> ReadImageList(const std::filesystem::path& list) {
         } else if (word.starts_with('-')) {
             const std::size_t sign = word.find('=');
             if (!IsFlashOption(word.substr(0, sign)) || sign + 1 == word.size())
-                throw Refusal("unknown option in " + name + ": " + word);
+                throw Refusal("unknown option in " + name + (": " + word));
             if (sign == std::string::npos) option = word;
         } else if (!address) {
             ReadAddress(word);

@@ -24,5 +24,5 @@ void NoteSignals() {
 }
 
 void EndIfAsked() {
-    if (noted) throw Ended{noted};
+    if (noted != 0) throw Ended{noted};
 }
