@@ -7,11 +7,13 @@
 #include <unistd.h>
 
 #include <QApplication>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QMainWindow>
 #include <QPlainTextEdit>
 #include <QScrollBar>
 #include <QSocketNotifier>
+#include <QTextBlock>
 #include <QTimer>
 #include <algorithm>
 #include <array>
@@ -59,6 +61,19 @@ QMainWindow* BareWindow() {
     return window;
 }
 
+// A text widget in a bare window that is shown.
+QPlainTextEdit* BarePane(const QRect& place) {
+    auto* window = BareWindow();
+    auto* pane = new QPlainTextEdit(window);
+    pane->setGeometry(place);
+    QFont font = pane->font();
+    font.setPixelSize(11);
+    pane->setFont(font);
+    window->show();
+    QApplication::processEvents();
+    return pane;
+}
+
 void StartBare(const Arguments&) {
     new FirstPaint;
     BareWindow()->show();
@@ -89,11 +104,12 @@ class FloodWatch : public TurnWatch {
   public:
     explicit FloodWatch(QPlainTextEdit& pane) : mPane(pane) { mClock.start(); }
 
-    // Once the pane holds all: the seconds that it took, the peak memory, the longest turn in
-    // milliseconds, the characters shown.
+    // At the end of the output: the seconds that it took, the peak memory, the longest turn in
+    // milliseconds, the number in the last line, the characters shown.
     void Finish() {
         mPane.viewport()->repaint();
         std::cout << MicrosecondsOf(mClock) / 1e6 << ' ' << PeakMebibytes() << ' ' << Milliseconds()
+                  << ' ' << mPane.document()->lastBlock().previous().text().left(7).toStdString()
                   << ' ' << mPane.document()->characterCount() << std::endl;
         Quit(0);
     }
@@ -118,18 +134,12 @@ void Flood(const Arguments& arguments) {
 }
 
 // The same tool on a terminal of its own, read in such portions, into a text widget of the same
-// size.
+// size that keeps as many lines.
 void FloodBare(const Arguments& arguments) {
-    auto* window = BareWindow();
-    auto* pane = new QPlainTextEdit(window);
-    pane->setGeometry(0, 342, 512, 198);
+    auto* pane = BarePane({0, 342, 512, 198});
     pane->setReadOnly(true);
     pane->setUndoRedoEnabled(false);
-    QFont font = pane->font();
-    font.setPixelSize(11);
-    pane->setFont(font);
-    window->show();
-    QApplication::processEvents();
+    pane->setMaximumBlockCount(500'000);
     pane->setPlainText("Wait....");
 
     auto* watch = new FloodWatch(*pane);
@@ -215,6 +225,37 @@ void Command(const Arguments& arguments) {
     Quit(0);
 }
 
+// Milliseconds until a key that is typed at the end of a text is painted.
+double KeyTime(QPlainTextEdit& pane) {
+    pane.moveCursor(QTextCursor::End);
+    std::vector<double> times;
+    for (int key = 0; key < 20; ++key) {
+        QApplication::processEvents();
+        QElapsedTimer clock;
+        clock.start();
+        QKeyEvent press(QEvent::KeyPress, Qt::Key_X, Qt::NoModifier, "x");
+        QApplication::sendEvent(&pane, &press);
+        QApplication::processEvents();
+        pane.viewport()->repaint();
+        times.push_back(MicrosecondsOf(clock) / 1000);
+    }
+    return Median(times);
+}
+
+// A key in the command for so many images, and in a bare text widget with the same text.
+void Key(const Arguments& arguments) {
+    const auto window = EspWin::Instance();
+    const auto folder = std::make_shared<const FolderItem>(arguments[0]);
+    window->SetInstallSetting(MakeSetting(folder, std::stoi(arguments[1])));
+    auto& command = WidgetOf<QPlainTextEdit>(window->InstallEF());
+    QApplication::processEvents();  // the command is shown
+    auto* bare = BarePane({80, 208, 334, 108});
+    bare->setPlainText(command.toPlainText());
+    std::cout << KeyTime(command) << ' ' << KeyTime(*bare) << ' ' << bare->toPlainText().size()
+              << std::endl;
+    Quit(0);
+}
+
 // Microseconds for each line of a file with 100 and of one with so many lines.
 void Setting(const Arguments& arguments) {
     const auto window = EspWin::Instance();
@@ -234,13 +275,22 @@ void Setting(const Arguments& arguments) {
 }
 
 const std::map<std::string, void (*)(const Arguments&)> kModes = {
-    {"start", Start},          {"start-bare", StartBare},
-    {"start-word", StartWord}, {"start-plain", StartPlain},
-    {"flood", Flood},          {"flood-bare", FloodBare},
-    {"first-line", FirstLine}, {"command", Command},
-    {"setting", Setting},      {"stop", Stop},
-    {"stop-bare", StopBare},   {"close", Close},
-    {"close-bare", CloseBare}, {"looks", Looks},
+    {"start", Start},
+    {"start-bare", StartBare},
+    {"start-word", StartWord},
+    {"start-plain", StartPlain},
+    {"flood", Flood},
+    {"flood-bare", FloodBare},
+    {"first-line", FirstLine},
+    {"command", Command},
+    {"setting", Setting},
+    {"stop", Stop},
+    {"stop-bare", StopBare},
+    {"close", Close},
+    {"close-bare", CloseBare},
+    {"looks", Looks},
+    {"key", Key},
+    {"compare", Compare},
 };
 
 // Qt's offscreen platform says this of each window. It would stand between the rows.

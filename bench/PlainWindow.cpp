@@ -1,5 +1,6 @@
 #include "bench/PlainWindow.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QHeaderView>
@@ -10,6 +11,10 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTableWidget>
+#include <iostream>
+
+#include "platform/application/Application.h"
+#include "platform/qt/ControlWidget.h"
 
 namespace {
 
@@ -62,6 +67,37 @@ void AddTable(Content& content) {
     content.Add(table, {80, 134, 334, 70, 11});
 }
 
+// A control as the two windows are compared by: its kind, place, text and size of text.
+template <class Kind>
+void Describe(const QWidget& content, const char* kind, QStringList& controls) {
+    for (const auto* control : content.findChildren<Kind*>(Qt::FindDirectChildrenOnly)) {
+        const QRect place = control->geometry();
+        QString text;
+        if constexpr (requires { control->text(); }) text = control->text();
+        controls << QString("%1 %2,%3 %4x%5 %6 %7")
+                        .arg(kind)
+                        .arg(place.left())
+                        .arg(place.top())
+                        .arg(place.width())
+                        .arg(place.height())
+                        .arg(control->font().pixelSize())
+                        .arg(text);
+    }
+}
+
+QStringList ControlsOf(const QWidget& content) {
+    QStringList controls;
+    Describe<QLabel>(content, "label", controls);
+    Describe<QPushButton>(content, "button", controls);
+    Describe<QCheckBox>(content, "check box", controls);
+    Describe<QComboBox>(content, "popup", controls);
+    Describe<QLineEdit>(content, "field", controls);
+    Describe<QPlainTextEdit>(content, "text", controls);
+    Describe<QTableView>(content, "list", controls);
+    controls.sort();
+    return controls;
+}
+
 }  // namespace
 
 QMainWindow* PlainWindow() {
@@ -109,4 +145,18 @@ QMainWindow* PlainWindow() {
     window->setWindowTitle("Quillstone");
     window->resize(512, 540 + window->menuBar()->sizeHint().height());
     return window;
+}
+
+void Compare(const Arguments&) {
+    const auto window = EspWin::Instance();
+    auto* plain = PlainWindow();
+    plain->show();
+    QApplication::processEvents();
+    const QStringList ours = ControlsOf(*ContentOf(*window));
+    const QStringList theirs = ControlsOf(*plain->centralWidget());
+    if (ours != theirs)
+        std::cerr << "The program's window:\n"
+                  << qPrintable(ours.join('\n')) << "\nThe plain one in bench/PlainWindow.cpp:\n"
+                  << qPrintable(theirs.join('\n')) << std::endl;
+    Quit(ours == theirs ? 0 : 1);
 }
