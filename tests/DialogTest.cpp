@@ -1,4 +1,4 @@
-// The two file dialogs, driven by keyboard while they block their handler.
+// The two file dialogs. A timer drives them by keyboard while they block their handler.
 #include <QComboBox>
 #include <QContextMenuEvent>
 #include <QFileDialog>
@@ -14,7 +14,7 @@ namespace {
 struct Chooser : PreparedFolder, OpenedWindow {
     Chooser() : PreparedFolder("ファーム") {}
 
-    // Opens a dialog by that control, and answers. False when none came up or it stayed open.
+    // Opens a dialog by that control, and answers it. False if none came up or it stayed open.
     bool Answer(const char* control, const std::function<void(QFileDialog&)>& answer) const {
         bool ended = false;
         QTimer poll;
@@ -33,7 +33,7 @@ struct Chooser : PreparedFolder, OpenedWindow {
             Click(control);
         return ended;
     }
-    // Types each of the names and Return. For one that isn't there another dialog would come up.
+    // Types each name and Return. Stops at a name that doesn't exist: Qt would open a message box.
     bool Choose(const char* control, const QStringList& names) const {
         return Answer(control, [&](QFileDialog& dialog) {
             for (const QString& name : names) {
@@ -163,8 +163,8 @@ class DialogTest : public QObject {
         QVERIFY(!items.isEmpty() && !items.contains("EditPaste"));
     }
 
-    // In a folder that every user can write to, the load at the start passes over a stranger's
-    // image.
+    // In a folder that every user can write to, the load at the start passes over images of
+    // strangers. A setting file that the user chooses is loaded with them.
     void ImageOfAStranger() {
         Chooser chooser;
         for (const char* name : {"job.csv", "x.bin"}) chooser.Write(name, "up,x.bin,0");

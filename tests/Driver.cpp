@@ -1,7 +1,12 @@
-// Plays the user of the program as it was built. Qt loads this plugin into the program when the
-// environment asks for it; QUILLSTONE_DRIVER holds the steps, separated by '|': keys, "wait FILE"
-// until it is there, "print content" or "print frame" for that height, "print output" for the text
-// of the run when it has ended, "close" the window, "throw" out of an event.
+// Plays the user of the built program. Qt loads this plugin into the program if the environment
+// asks for it. QUILLSTONE_DRIVER holds the steps, separated by '|':
+//   wait FILE        waits until the file exists
+//   print content    prints the height of the window's content
+//   print frame      prints the height of the window with its frame
+//   print output     waits until the run has ended, and prints its text
+//   close            closes the window
+//   throw            throws an exception out of an event
+// Any other step is a key, such as Ctrl+Q.
 #include <QApplication>
 #include <QFile>
 #include <QGenericPlugin>

@@ -1,5 +1,5 @@
-// What goes wrong around the program, and what a thousand jobs leave behind. README.md has the
-// whole list of faults, with the tests of the other files.
+// Faults around the program, and what remains after a thousand jobs. README.md lists all faults,
+// also those that other files test.
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -13,7 +13,7 @@
 
 namespace {
 
-// Descriptors, and pages in memory.
+// Counts open descriptors, and pages in memory.
 std::pair<std::ptrdiff_t, std::ptrdiff_t> Used() {
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     std::ptrdiff_t pages = 0;
@@ -26,7 +26,7 @@ std::pair<std::ptrdiff_t, std::ptrdiff_t> Used() {
 class FaultTest : public QObject {
     Q_OBJECT
   private slots:
-    // Runs first: in a heap that other tests have enlarged, a leak would not show.
+    // This test runs first: in a heap that other tests have enlarged, a leak would not show.
     void ThousandTimes_data() {
         const auto row = Columns<bool>("runs");
         row("a connect and a disconnect", false);
@@ -53,8 +53,8 @@ class FaultTest : public QObject {
 #endif
     }
 
-    // What goes wrong with the loaded job before Start, or while its tool waits, and what the user
-    // then reads. @ is the base folder.
+    // Faults of the loaded job, before Start or while its tool waits, and the run's output. @ is
+    // the base folder.
     void FilesGo_data() {
         const auto add = Columns<QString, bool, QString>("fault", "running", "output");
         const auto row = [add](QByteArray what, QString fault, QString before, QString running) {

@@ -1,4 +1,4 @@
-// The run of a command: its output, its end, and what the system has left of it afterwards.
+// The run of a command: its output, its end, and the processes that remain.
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/ptrace.h>
@@ -12,8 +12,8 @@
 
 namespace {
 
-// Whatever a run starts has this in its environment, wherever it has gone since. Zombies have
-// no environment and aren't counted.
+// Every process that a run starts has this in its environment, even if it has left the session.
+// Zombies have no environment and aren't counted.
 QByteArray Mark() { return "QUILLSTONE_RUN_OF_" + QByteArray::number(getpid()) + '_'; }
 
 QList<int> MarkedProcesses() {
@@ -30,8 +30,8 @@ void PressStop() {
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Period, Qt::ControlModifier);
 }
 
-// The program from start to end, with a run begun at once; with the first output its window is
-// closed or it is killed.
+// Runs the program from start to end. It starts the command at once. When the first output comes,
+// it closes its window or kills itself.
 int ProgramWithRun(const char* command, bool killed) {
     InitializeFramework([&] {
         const auto window = EspWin::Instance();
@@ -45,7 +45,7 @@ int ProgramWithRun(const char* command, bool killed) {
     return EndFramework();
 }
 
-// Runs that end in different ways when they are asked to, and what they print until then.
+// Commands that react in different ways when they are stopped, and all that they print.
 void AddRuns(const std::function<void(const char*, QByteArray, QString)>& add) {
     add("ends on TERM", "echo x; exec sleep 999", "x\n");
     add("prints at TERM", "trap 'echo last; exit' TERM; echo x; sleep 999 & wait", "x\nlast\n");
@@ -60,11 +60,11 @@ void AddRuns(const std::function<void(const char*, QByteArray, QString)>& add) {
     add("stops its supervisor", "kill -STOP $PPID; echo x; exec sleep 999", "x\n");
     add("twenty generations",
         "f() { case $1 in 20) echo x; sleep 999;; esac; (f $(($1+1)); :); }; f 0", "x\n");
-    // Sixty chains of processes, each of which starts the next in a session of its own and ends.
+    // Twenty chains of processes, each of which starts the next in a session of its own and ends.
     // Each ends by itself after 500 generations, in case the program fails to end it.
     add("forks without end",
         "export n=0 f='n=$((n+1)); [ $n -gt 500 ] || setsid sh -c \"$f\" &'; "
-        "for i in $(seq 60); do sh -c \"$f\"; done; echo x; cat <&1",
+        "for i in $(seq 20); do sh -c \"$f\"; done; echo x; cat <&1",
         "x\n");
 }
 
@@ -121,7 +121,7 @@ class RunTest : public QObject {
         QCOMPARE(opened.Output(), QString(9000, '\n') + "end");
     }
 
-    // They are the default ones, also if the program was started with some ignored or blocked.
+    // A tool gets the default ones, even if the program was started with some ignored or blocked.
     void SignalsOfATool() {
         const OpenedWindow opened;
         for (const int ignored : {SIGPIPE, SIGINT, SIGHUP, SIGCHLD}) signal(ignored, SIG_IGN);
@@ -178,7 +178,7 @@ class RunTest : public QObject {
         QCOMPARE(program.exitCode(), killed ? SIGKILL : 0);
     }
 
-    // As by the memory killer, which prefers the tool. Nothing of the run goes on unseen.
+    // As the memory killer may do, though it prefers the tool. No process of the run goes on.
     void SupervisorIsKilled_data() {
         const auto row = Columns<bool>("ignored");
         row("by itself", false);
@@ -211,8 +211,8 @@ class RunTest : public QObject {
         QVERIFY(waitpid(-1, nullptr, WNOHANG) < 0);  // none is left as a zombie
     }
 
-    // Ctrl+. works wherever the focus is, an open cell or an open list included. Without another
-    // key it comes back to Start.
+    // Ctrl+. works wherever the focus is, also in an open cell or an open list. If the user pressed
+    // no other key, the focus comes back to Start.
     void StopWithTheFocusOn_data() {
         const auto row = Columns<QByteArray>("control");
         for (const char* name : {"StartPB", "InstallEF", "PortPM", "ulb"}) row(name, name);
@@ -233,7 +233,7 @@ class RunTest : public QObject {
         QCOMPARE(QApplication::focusWidget() == opened.Widget<QWidget>("StartPB"), start);
     }
 
-    // A debugger that holds a process at its exit keeps it from being killed.
+    // A process that a debugger holds at its exit can't be killed.
     void CannotBeKilled() {
         auto opened = std::make_unique<OpenedWindow>();
         std::array<QString, 2> held;
@@ -249,7 +249,7 @@ class RunTest : public QObject {
         }
         const auto supervisor = static_cast<id_t>(opened->Shown().section(' ', 1).toInt());
         opened.reset();
-        // The window hasn't waited for the supervisor, which is still at it.
+        // The window hasn't waited for the supervisor, which still tries to kill the process.
         siginfo_t ended{};
         QCOMPARE(waitid(P_PID, supervisor, &ended, WEXITED | WNOHANG | WNOWAIT), 0);
         QCOMPARE(ended.si_pid, 0);

@@ -1,4 +1,5 @@
-// The list of ports, the connection, and its hand-over to the tool, on pseudo terminals.
+// The list of ports, the connection, and how a run takes the port over. The ports are pseudo
+// terminals.
 #include <sys/file.h>
 #include <termios.h>
 
@@ -20,11 +21,11 @@ struct Terminal : PreparedFolder, OpenedWindow {
         Ports(names);
         Click("ScanBtn");
     }
-    // True when that is the outcome, and button and state say the same.
+    // Presses Connect. True if it is connected then as expected, and button and state agree.
     bool PressConnect(bool connected) const {
         return OpenedWindow::PressConnect() == connected && Shows(connected);
     }
-    // The same for a connect that fails, with one beep.
+    // Presses Connect. True if that fails with one beep.
     bool PressConnectInVain() const {
         const int before = System().Beeps;
         return PressConnect(false) && System().Beeps == before + 1;
@@ -52,7 +53,7 @@ class SerialTest : public QObject {
             {"tnt0", "ttyGS0", "rfcomm0"});
         row("none", {}, {});
     }
-    // Each terminal is written as its name, its device and the kernel's number for its type.
+    // A terminal is written as its name, its device and the kernel's number for its type.
     void PortsOfTheMachine() {
         QFETCH(const QStringList, terminals);
         const PreparedFolder folder;
@@ -109,7 +110,8 @@ class SerialTest : public QObject {
         QVERIFY(terminal.ports.ListIndex() == 1 && terminal.Shows(true));
         terminal.ports.ListIndex(0);
         QVERIFY(terminal.Shows(true) && device.InUse());
-        // The tool has the device for itself, and the window takes what is chosen when it ends.
+        // During the run only the tool has the device. At its end the window connects the port
+        // that is chosen by then.
         terminal.Start("sleep .1");
         QVERIFY(!device.InUse() && terminal.Output() != "hangs");
         QVERIFY(terminal.Shows(true) && !device.InUse() && other.InUse());
@@ -172,10 +174,10 @@ class SerialTest : public QObject {
         const auto files = OpenFiles();
         QVERIFY(terminal.PressConnect(true));
         device.reset();
-        QTRY_COMPARE(OpenFiles(), files - 1);  // without the device's own
-        // A port that is still looked at would keep the event loop busy for good.
+        QTRY_COMPARE(OpenFiles(), files - 1);  // the other one was the device's own
+        // A port that is still watched would keep the event loop busy for good.
         QTRY_VERIFY(!QAbstractEventDispatcher::instance()->processEvents(QEventLoop::AllEvents));
-        // The window doesn't show it; the next press disconnects, the one after connects.
+        // The button still shows Disconnect. One press disconnects, the next one connects.
         QVERIFY(terminal.Shows(true) && terminal.PressConnect(false));
         terminal.ports.ListIndex(1);
         QVERIFY(terminal.PressConnect(true) && next.InUse());

@@ -14,8 +14,7 @@ class StartTest : public QObject {
         row("no X server", "DISPLAY", ":7777", ":7777");
         row("no compositor, or no plugin", "WAYLAND_DISPLAY", "wayland-none", "ayland");
         row("no such plugin", "QT_QPA_PLATFORM", "none-such", "none-such");
-        // An empty file in the place of a library that the plugin needs. The last row: it stays
-        // set.
+        // An empty file stands for a library of the plugin. Must be the last row: none unsets it.
         QFile library(mFolder.filePath("libQt6XcbQpa.so.6"));
         QVERIFY(library.open(QIODevice::WriteOnly));
         row("a plugin that can't be loaded", "LD_LIBRARY_PATH", mFolder.path(), "plugin \"xcb\"");

@@ -82,7 +82,7 @@ class TextTest : public QObject {
 
     void EqualWithoutCase() { QVERIFY(Equal("AMZ", "amz") && !Equal("@[", "`{")); }
 
-    // In whatever pieces it arrives.
+    // The text is the same in whatever pieces the output arrives.
     void TextOfAnOutput_data() {
         const auto row = Columns<QByteArray, QByteArray>("output", "text");
         row("empty lines", "\na\n\n\r\nb", "\na\n\n\nb");

@@ -22,7 +22,7 @@
 
 namespace {
 
-// A drag of files or links over a window, or their drop. The text controls would insert the paths
+// True for a drag of files or links, and for their drop. The text controls would insert the paths
 // as text.
 bool IsFileDrag(QEvent& event) {
     const auto type = event.type();
@@ -38,7 +38,7 @@ class QtApplication : public QApplication {
         WatchForHeldKey(*event);
         WatchForFocus(*event);
         if (IsFileDrag(*event)) {
-            event->ignore();  // nothing in the program takes a file that is dropped on it
+            event->ignore();  // no control takes a file
             return false;
         }
         try {
@@ -62,7 +62,8 @@ Program& TheProgram() {
     return program;
 }
 
-// Black on white whatever the desktop's theme: the list's rows have pale colours of their own.
+// Black on white, whatever the desktop's theme is. A dark theme's white text would be unreadable on
+// the pale rows of the list.
 QPalette LightPalette() {
     QPalette palette(QColor(0xEF, 0xEF, 0xEF));
     palette.setColor(QPalette::Base, Qt::white);
@@ -80,8 +81,8 @@ QPalette LightPalette() {
     return palette;
 }
 
-// Qt's own texts, such as its file dialog's, appear in the user's language where Qt's translations
-// are installed.
+// Shows Qt's own texts, such as those of its file dialog, in the user's language if Qt's
+// translations are installed.
 void SpeakTheUsersLanguage() {
     // The translation of a language that is written from right to left would mirror the window.
     QApplication::setLayoutDirection(Qt::LeftToRight);
@@ -131,9 +132,9 @@ void InitializeFramework(const std::function<void()>& ready) {
 }
 
 void RunEventLoop() {
-    // When the display goes away, Qt calls exit from within itself. Our windows are held by static
-    // objects and can't be destroyed then. Of all exit handlers the last one registered runs
-    // first, so this one ends the process before those objects are destroyed.
+    // When the display goes away, Qt calls exit from within itself. Static objects hold our
+    // windows, which can't be destroyed then. The exit handler that was registered last runs first.
+    // So this one ends the process before those objects are destroyed.
     std::atexit([] {
         if (TheProgram().qt) std::_Exit(1);
     });

@@ -25,25 +25,26 @@ void RegisterApplication(std::shared_ptr<Application> application);
 // nullptr before an application is registered, or when it has no menu bar.
 std::shared_ptr<MenuBar> ApplicationMenuBar();
 
-// Declares support of high-resolution displays. Before InitializeFramework.
+// Declares whether the program supports high-resolution displays. Call it before
+// InitializeFramework.
 void SetSupportsHiDPI(bool supported);
 
-// Brings Qt up and calls `ready`.
+// Starts Qt and calls `ready`.
 void InitializeFramework(const std::function<void()>& ready);
 
-// Runs until Quit.
+// Handles events until Quit is called.
 void RunEventLoop();
 
-// Ends the event loop, and the program with that exit code. Before RunEventLoop: that call then
-// returns at once.
+// Ends the event loop; the first call's exit code becomes the program's. If called before
+// RunEventLoop, that function returns at once.
 void Quit(int exitCode);
 
-// For an exception that nothing caught: writes a line to standard error and quits with 1.
+// Takes an exception that nothing caught: writes a line to standard error and quits with 1.
 void UnhandledException(const std::exception& exception);
 
-// Has `release` called by EndFramework, while Qt is still there.
+// Makes EndFramework call `release` while Qt still exists.
 void AtEnd(std::function<void()> release);
 
-// Calls what AtEnd was given, releases the application object and Qt, in this order, and returns
+// Calls the functions that AtEnd was given, releases the application object, then Qt, and returns
 // the exit code.
 int EndFramework();

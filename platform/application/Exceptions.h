@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-// What the platform raises. Nothing in the logic catches one: it ends in UnhandledException.
+// The exceptions of the platform. The logic catches none, so they end in UnhandledException.
 class RuntimeException : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;

@@ -9,11 +9,11 @@
 #include <utility>
 
 class FolderItem;
-// Shared by whoever refers to it: fields, cell tags, dialogs.
+// Fields, cell tags and dialogs share a FolderItem.
 using FolderItemRef = std::shared_ptr<const FolderItem>;
 
-// A reference to a file or folder that need not exist. The path is absolute and kept byte for
-// byte as the file system has it.
+// A reference to a file or folder, which need not exist. The path is absolute and has exactly the
+// bytes that the file system has.
 class FolderItem {
   public:
     explicit FolderItem(std::string path) : mPath(std::move(path)) {}

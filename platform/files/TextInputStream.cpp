@@ -16,7 +16,7 @@ constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 std::optional<std::string> WholeFile(const std::string& path) {
     std::error_code error;
-    // A pipe would block, a device might never end.
+    // A read from a pipe would block, and one from a device might never end.
     if (!std::filesystem::is_regular_file(path, error)) return {};
     std::ifstream file(path, std::ios::binary);
     if (!file) return {};

@@ -13,8 +13,8 @@
 
 #include "platform/serial/private/SerialRate.h"
 
-// The device itself, without Qt's class for it: that one doesn't notice with every version of Qt
-// that a device has gone away, and then keeps the processor busy for good.
+// The open device. Qt's class for it isn't used: in some versions of Qt it doesn't notice that a
+// device has gone away, and then keeps the processor busy for good.
 class Serial::Port {
   public:
     explicit Port(Serial& serial) : mSerial(serial) {}
@@ -25,12 +25,12 @@ class Serial::Port {
     Port(const Port&) = delete;
     Port& operator=(const Port&) = delete;
 
-    // False on failure. The destructor closes the device in either case.
+    // Returns false on failure. The destructor closes the device in either case.
     bool Open(const Settings& settings) {
-        // Without O_NONBLOCK it would wait for a carrier.
+        // Without O_NONBLOCK, open() would wait for a carrier.
         mDescriptor = open(settings.devicePath.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-        // Exclusive mode (TIOCEXCL) doesn't keep out a privileged process, so there is a lock too,
-        // as other serial programs take it.
+        // Exclusive mode (TIOCEXCL) doesn't keep out a privileged process. Other serial programs
+        // take this lock too.
         if (mDescriptor < 0 || flock(mDescriptor, LOCK_EX | LOCK_NB) != 0) return false;
         if (tcgetattr(mDescriptor, &mFound) != 0 || ioctl(mDescriptor, TIOCEXCL) != 0) return false;
         mOurs = true;
@@ -55,16 +55,16 @@ class Serial::Port {
         mode.c_iflag &= ~static_cast<tcflag_t>(IXON | IXOFF | IXANY | INPCK);
         if (settings.cts) mode.c_cflag |= CRTSCTS;
         if (settings.xon) mode.c_iflag |= IXON | IXOFF;
-        // With these values read() returns 0 for a hang-up alone, and fails with EAGAIN while there
-        // is no data.
+        // With these values read() fails with EAGAIN while there is no data, and returns 0 only
+        // after a hang-up.
         mode.c_cc[VMIN] = 1;
         mode.c_cc[VTIME] = 0;
         return tcsetattr(mDescriptor, TCSANOW, &mode) == 0 &&
                SetSerialRate(mDescriptor, settings.baud);
     }
 
-    // These calls fail where the driver has no modem lines. With hardware flow control RTS is the
-    // driver's: lowered by us, it would forbid the device to send.
+    // These calls fail where the driver has no modem lines. With hardware flow control RTS belongs
+    // to the driver. If it were lowered here, the device would never send.
     void SetLines(const Settings& settings) const {
         if (settings.cts) {
             const int dtr = TIOCM_DTR;
@@ -78,15 +78,14 @@ class Serial::Port {
         ioctl(mDescriptor, TIOCMSET, &lines);
     }
 
-    // A hang-up makes the file descriptor readable too, and it stays so until Release disables the
-    // notifier.
+    // A hang-up makes the descriptor readable for good, so Release disables the notifier.
     void Receive() {
         std::array<char, 4096> bytes{};
         const ssize_t count = read(mDescriptor, bytes.data(), bytes.size());
         if (count > 0) {
             mReceived.append(bytes.data(), static_cast<std::size_t>(count));
             mNotifier->setEnabled(false);
-            // Last, since a handler may close the port.
+            // The last statement: a handler may close the port, which destroys this object.
             mSerial.Raise(mSerial.DataAvailable);
         } else if (count == 0 || (errno != EAGAIN && errno != EINTR)) {
             Release();
@@ -104,8 +103,8 @@ class Serial::Port {
     Serial& mSerial;
     int mDescriptor = -1;  // -1 also after a hang-up
     std::unique_ptr<QSocketNotifier> mNotifier;
-    bool mOurs = false;  // in exclusive mode, by us
-    termios mFound{};    // the settings before ours, restored in the end
+    bool mOurs = false;  // this object has set the exclusive mode
+    termios mFound{};    // the settings before Open, restored by the destructor
     std::string mReceived;
 };
 

@@ -9,7 +9,8 @@
 #include "platform/serial/SerialPort.h"
 #include "platform/text/Text.h"
 
-// One serial port, eight data bits, no parity, one stop bit. What is set holds from the next Open.
+// One serial port, with eight data bits, no parity and one stop bit. Settings take effect at the
+// next Open.
 class Serial : public Control {
   public:
     Serial(Window& owner, std::string name);
@@ -19,30 +20,30 @@ class Serial : public Control {
     void SerialPort(const ::SerialPort& port);
     // Bits a second.
     void Baud(std::int64_t rate) { mSettings.baud = rate; }
-    // Flow control: by XON and XOFF characters, by the RTS and CTS lines, or both. There is none
-    // by the DTR line on the systems that we run on, so DTR changes nothing.
+    // Flow control: by XON and XOFF characters, by the RTS and CTS lines, or both. DTR changes
+    // nothing, since the systems that we run on have no flow control by that line.
     void XON(bool on) { mSettings.xon = on; }
     void CTS(bool on) { mSettings.cts = on; }
     void DTR(bool) {}
-    // The state that Open gives to the two lines, in one step: lowering one after the other
-    // resets the usual board. With CTS on, RTS is left to the driver. Ports without such lines open
-    // all the same.
+    // The state of the two lines. Open sets both in one step, since most boards reset when one is
+    // lowered after the other. With CTS on, Open leaves RTS to the driver. A port without such
+    // lines opens all the same.
     void RequestToSend(bool high) { mSettings.rts = high; }
     void DataTerminalReady(bool high) { mSettings.dtr = high; }
 
-    // Opens the port for us alone. False, with nothing left open, when it is gone, busy, not
-    // permitted, or refuses the rate.
+    // Opens the port and locks others out. Returns false, with nothing left open, if the port is
+    // gone or busy, refuses the rate, or may not be opened by the user.
     bool Open();
     void Close();
 
-    // All that has been received so far; empties the buffer.
+    // Takes all bytes out of the receive buffer.
     std::string ReadAll(TextEncoding encoding);
-    // Sends what waits to be sent. This class writes nothing, so nothing ever waits.
+    // Does nothing, since this class sends nothing that could wait in a buffer.
     void Flush() {}
 
-    // Received bytes are waiting. It isn't raised again before a ReadAll, so a device that sends
-    // more than the system's buffers hold has to wait until then. A device that goes away while
-    // open raises nothing; the port is then closed.
+    // Bytes have been received. After this event the class reads nothing before the next ReadAll,
+    // so a device that fills the system's buffers has to wait. If the device goes away, the port is
+    // closed without an event.
     std::function<void(Serial&)> DataAvailable;
 
   private:

@@ -11,7 +11,7 @@ class SerialPort {
         : mName(std::move(name)), mDevicePath(std::string(prefix) + mName) {}
 
     const std::string& Name() const { return mName; }
-    // The prefix with the name after it.
+    // The prefix, followed by the name.
     const std::string& DevicePath() const { return mDevicePath; }
 
   private:

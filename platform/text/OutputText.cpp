@@ -7,14 +7,14 @@
 
 namespace {
 
-// The longest control sequence, so that one which never ends holds back no more than this. Links
+// Bytes of the longest control sequence. One that never ends holds back no more than this. Links
 // and titles are shorter.
 constexpr std::size_t kLongest = 2048;
 
 constexpr char kEscape = '\x1B';
 constexpr char kC1Lead = '\xC2';  // C1 controls are U+0080 to U+009F
 
-// Bytes of the UTF-8 character that `lead` begins; 1 where it begins none.
+// The length of the UTF-8 character that begins with `lead`; 1 if none does.
 std::size_t CharacterLength(unsigned char lead) {
     if (lead >= 0xF0 && lead <= 0xF4) return 4;
     if (lead >= 0xE0 && lead <= 0xEF) return 3;
@@ -22,7 +22,7 @@ std::size_t CharacterLength(unsigned char lead) {
     return 1;
 }
 
-// Bytes at the end that begin a character whose rest is missing.
+// The number of bytes at the end that are an incomplete character.
 std::size_t PartLength(std::string_view bytes) {
     for (std::size_t back = 1; back <= std::min<std::size_t>(bytes.size(), 3); ++back) {
         const auto byte = static_cast<unsigned char>(bytes[bytes.size() - back]);
@@ -32,13 +32,13 @@ std::size_t PartLength(std::string_view bytes) {
     return 0;
 }
 
-// Finds the bytes that may begin a control. Each kind is searched for through the text once, so
-// that text without them is passed at the speed of memchr.
+// Finds bytes that may begin a control. It searches the text once for each kind of them, by memchr,
+// so that text without controls takes little time.
 class Controls {
   public:
     explicit Controls(std::string_view bytes) : mBytes(bytes) {}
 
-    // The place of the first one from `at` on, or the end. `at` never goes back.
+    // The place of the first such byte from `at` on, or the end. `at` must not decrease.
     std::size_t Next(std::size_t at) {
         std::size_t next = mBytes.size();
         for (Kind& kind : mKinds) {
@@ -52,7 +52,7 @@ class Controls {
   private:
     struct Kind {
         char byte;
-        std::optional<std::size_t> place;  // of the next one, once it has been searched for
+        std::optional<std::size_t> place;  // of the next such byte, once searched for
     };
 
     std::string_view mBytes;
@@ -83,29 +83,30 @@ Control ReadCsi(std::string_view bytes) {
     if (at == bytes.size()) return kIncomplete;
     const char function = bytes[at];
     if (!IsBetween(function, '@', '~')) return kNoControl;
-    // J and K delete: with 2 and 3 also what stands before the cursor.
+    // J and K delete; with the parameter 2 or 3 also the text before the cursor.
     const bool deletes = (function == 'J' || function == 'K') && IsBetween(bytes[2], '2', '3');
     const bool moves = std::string_view("ABCDEFGHdfu").find(function) != std::string_view::npos;
     return {at + 1, deletes || moves ? Effect::Return : Effect::None};
 }
 
-// OSC and its like: up to BEL or ST. A line end or another sequence leaves it without an end.
+// OSC and similar strings end with BEL or ST. A line end or another sequence before that means that
+// the string has no end.
 Control ReadString(std::string_view bytes) {
     for (std::size_t at = 2; at < bytes.size(); ++at) {
         const std::string_view two = bytes.substr(at, 2);
         if (two[0] == '\a') return {at + 1, Effect::None};
         if (two == "\x1B\\" || two == "\xC2\x9C") return {at + 2, Effect::None};
-        if (two == "\x1B") break;  // its second byte may follow
+        if (two == "\x1B") break;  // the second byte of ST may follow
         if (two[0] == '\r' || two[0] == '\n' || two[0] == kEscape || IsC1(two)) return kNoControl;
     }
     return kIncomplete;
 }
 
-// What begins with ESC and a byte, or with the C1 control that stands for these two.
+// A sequence that begins with ESC and `kind`, or with the C1 control that stands for these two.
 Control ReadEscape(std::string_view bytes, char kind) {
     if (kind == '[') return ReadCsi(bytes);
     if (std::string_view("]PX^_").find(kind) != std::string_view::npos) return ReadString(bytes);
-    // To other lines, to the saved place, a reset.
+    // Moves to another line, to the saved place, or a reset.
     const bool moves = std::string_view("DEM8c").find(kind) != std::string_view::npos;
     return {2, moves ? Effect::Return : Effect::None};
 }

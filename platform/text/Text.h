@@ -1,5 +1,5 @@
-// Text operations of the platform. All text is UTF-8 in std::string; bytes that are no UTF-8 pass
-// through unchanged wherever no conversion for display is needed.
+// Operations on text, which is UTF-8 in std::string. Bytes that are no UTF-8 pass through
+// unchanged.
 #pragma once
 
 #include <cstdint>
@@ -7,18 +7,18 @@
 #include <string>
 #include <string_view>
 
-// The one comparison of strings: letters A to Z without regard to case, all else byte for byte.
+// Compares as the whole program does: A to Z without regard to case, all other bytes exactly.
 bool Equal(std::string_view a, std::string_view b);
 
 // Position of the first element equal to `value` at or after `start`, or -1.
 std::int64_t IndexOf(std::span<const std::string> array, std::string_view value,
                      std::int64_t start = 0);
 
-// Field `number`, counted from 1, of `text` split at each `separator`. Empty where the text has
-// fewer fields.
+// Splits `text` at each `separator` and returns field `number`, counted from 1. Returns an empty
+// text if there are fewer fields.
 std::string NthField(std::string_view text, std::string_view separator, std::int64_t number);
 
-// The number that `text` shows; 0 where it shows none.
+// The number at the start of `text`, or 0 if there is none.
 double Val(std::string_view text);
 
 enum class TextEncoding { UTF8, ASCII };
@@ -28,6 +28,6 @@ constexpr TextEncoding UTF8 = TextEncoding::UTF8;
 constexpr TextEncoding ASCII = TextEncoding::ASCII;
 }  // namespace Encodings
 
-// The same bytes, declared to be in `encoding`. Text is taken as UTF-8 throughout, and the
-// control that shows it replaces what isn't, so nothing is converted here.
+// Returns the same bytes. All text counts as UTF-8, and a control replaces other bytes when it
+// shows them, so nothing has to be converted here.
 std::string DefineEncoding(std::string bytes, TextEncoding encoding);

@@ -1,4 +1,4 @@
-// The reader of install setting files: any bytes as a file, read line by line and taken apart.
+// Reads any bytes as an install setting file, line by line, and splits the lines into fields.
 #include <QString>
 #include <QTemporaryDir>
 #include <fstream>
@@ -22,7 +22,7 @@ void ExpectFields(const std::string& line, const std::string& separator) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const QTemporaryDir folder("/dev/shm/quillstone-XXXXXX");  // a disk would be waited for
+    static const QTemporaryDir folder("/dev/shm/quillstone-XXXXXX");  // in memory: a disk is slow
     static const std::string path = folder.filePath("x.csv").toStdString();
 
     FuzzedDataProvider input(data, size);

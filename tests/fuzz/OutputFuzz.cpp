@@ -1,5 +1,5 @@
-// Output of any bytes becomes the same text in whatever pieces it arrives, and loses nothing but
-// control sequences.
+// Turns output of any bytes into text. The text is the same in whatever pieces the output arrives,
+// and lacks nothing but control sequences.
 #include <algorithm>
 #include <regex>
 
@@ -8,7 +8,7 @@
 
 namespace {
 
-// One character for each byte: ranges of an expression need characters that are not negative.
+// Makes a character of each byte. The ranges of a regular expression need non-negative characters.
 std::wstring Wide(const std::string& bytes) {
     const auto* first = reinterpret_cast<const unsigned char*>(bytes.data());
     return {first, first + bytes.size()};

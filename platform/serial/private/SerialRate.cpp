@@ -1,5 +1,6 @@
-// The portable calls know a fixed list of rates. Each system has a call of its own for the others,
-// such as 14400 or 76800. On Linux its header can't be included together with termios.h.
+// The portable calls know a fixed list of rates. For others, such as 14400 or 76800, each system
+// has a call of its own. On Linux the header of that call can't be included together with
+// termios.h.
 #include "platform/serial/private/SerialRate.h"
 
 #include <sys/ioctl.h>
@@ -43,8 +44,8 @@ bool SetSerialRate(int descriptor, std::int64_t rate) {
     mode.c_cflag |= BOTHER | BOTHER << IBSHIFT;
     mode.c_ospeed = mode.c_ispeed = static_cast<speed_t>(rate);
     if (ioctl(descriptor, TCSETS2, &mode) != 0) return false;
-    // A driver that lacks the rate takes another one and reports no error. A serial line works with
-    // a difference of a few percent.
+    // A driver that lacks the rate sets another one and reports no error. A serial line tolerates a
+    // difference of a few percent.
     return std::abs(SerialRate(descriptor) - rate) <= rate / 20;
 }
 
