@@ -22,8 +22,8 @@ class TextArea : public TextEdit {
     // Adds text at the end, without a separator. `text` holds whole characters, with LF as line
     // end. The oldest lines are dropped when there is too much text. For an area that is read-only.
     void AppendText(std::string_view text);
-    // Sets how much AppendText keeps, for tests. It is 500,000 lines, and of long lines 50 million
-    // UTF-16 units; with these the program stays below 500 MB.
+    // Sets how much AppendText keeps, for tests. Otherwise it keeps 500,000 lines, or fewer if they
+    // hold more than 50 million UTF-16 units, so that the program stays below 500 MB.
     void SetLimits(int lines, int characters);
 
     // Brings the line to the top of the view. A number beyond the end brings the end into view.

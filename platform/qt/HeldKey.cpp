@@ -33,5 +33,5 @@ bool KeyIsHeld() { return keyboard.isHeld; }
 
 bool IsModifier(int key) {
     return key == Qt::Key_Control || key == Qt::Key_Shift || key == Qt::Key_Alt ||
-           key == Qt::Key_Meta;
+           key == Qt::Key_AltGr || key == Qt::Key_Meta;
 }

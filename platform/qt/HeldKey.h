@@ -11,7 +11,7 @@ void WatchForHeldKey(const QEvent& event);
 // only if the next press is already waiting, so it misses some.
 bool KeyIsHeld();
 
-// True for Control, Shift, Alt and Meta.
+// True for Control, Shift, Alt, AltGr and Meta.
 bool IsModifier(int key);
 
 // A button that a held key presses once.

@@ -8,10 +8,15 @@
 #include <QMimeData>
 
 #include "platform/qt/HeldKey.h"
+#include "platform/qt/OpenEdit.h"
 
 LineEdit::LineEdit(QWidget* parent) : QLineEdit(parent) { setMaxLength(kLongest); }
 
-void LineEdit::Insert(const QString& text) { insert(OneLine(text)); }
+void LineEdit::Insert(const QString& text) {
+    EndStepOfUndo();
+    insert(OneLine(text));
+    EndStepOfUndo();
+}
 
 void LineEdit::Paste(QClipboard::Mode mode) {
     if (!isReadOnly()) Insert(QGuiApplication::clipboard()->text(mode));
@@ -52,8 +57,14 @@ void LineEdit::inputMethodEvent(QInputMethodEvent* event) {
     line.setCommitString(OneLine(event->commitString()), event->replacementStart(),
                          event->replacementLength());
     mComposed = line.preeditString();
+    SetComposing(this, [this] { EndComposition(); });
     QLineEdit::inputMethodEvent(&line);
     event->setAccepted(line.isAccepted());
+}
+
+void LineEdit::focusOutEvent(QFocusEvent* event) {
+    EndComposition();
+    QLineEdit::focusOutEvent(event);
 }
 
 // Makes text of what is being composed. Qt counts its characters when a key or a click moves the
@@ -65,6 +76,14 @@ void LineEdit::EndComposition() {
     QInputMethodEvent end;
     end.setCommitString(mComposed);
     inputMethodEvent(&end);
+}
+
+// Qt joins insertions to one step of undo until the cursor moves.
+void LineEdit::EndStepOfUndo() {
+    if (hasSelectedText() || text().isEmpty()) return;
+    const int at = cursorPosition();
+    setCursorPosition(at > 0 ? at - 1 : 1);
+    setCursorPosition(at);
 }
 
 QString OneLine(QString text) {

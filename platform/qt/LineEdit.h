@@ -24,9 +24,11 @@ class LineEdit : public QLineEdit {
     void mouseReleaseEvent(QMouseEvent* event) override;
     void dropEvent(QDropEvent* event) override;
     void inputMethodEvent(QInputMethodEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
 
   private:
     void EndComposition();
+    void EndStepOfUndo();
 
     QString mComposed;  // what an input method is composing
 };

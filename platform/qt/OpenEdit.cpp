@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QEvent>
-#include <QInputMethod>
 #include <QMenuBar>
 #include <QPointer>
 #include <utility>
@@ -13,6 +12,11 @@ struct {
     QPointer<QWidget> editor;
     std::function<void()> commit;
 } open;
+
+struct {
+    QPointer<QWidget> widget;
+    std::function<void()> end;
+} composing;
 
 void CommitEditor() {
     if (open.editor && open.commit) std::exchange(open.commit, {})();
@@ -25,8 +29,17 @@ void SetOpenEditor(QWidget* editor, std::function<void()> commit) {
     open = {editor, std::move(commit)};
 }
 
+void SetComposing(QWidget* widget, std::function<void()> end) {
+    composing = {widget, std::move(end)};
+}
+
+void EndComposing() {
+    const auto end = composing.end;  // a copy, since it may lead to SetComposing
+    if (composing.widget) end();
+}
+
 void CommitOpenEdit() {
-    QGuiApplication::inputMethod()->commit();
+    EndComposing();
     CommitEditor();
 }
 

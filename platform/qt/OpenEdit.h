@@ -14,7 +14,14 @@ class QWidget;
 // text over and closes it; it does nothing if the editor has been closed meanwhile.
 void SetOpenEditor(QWidget* editor, std::function<void()> commit);
 
-// Commits the open editor, if there is one, and what an input method is composing.
+// Tells that an input method is composing in `widget`. `end` makes text of the composition; it does
+// nothing if there is none any more.
+void SetComposing(QWidget* widget, std::function<void()> end);
+
+// Makes text of what an input method is composing, in whatever widget.
+void EndComposing();
+
+// Ends a composition, and commits the open editor if there is one.
 void CommitOpenEdit();
 
 // Commits the open editor once the focus has gone from the menu bar to another widget. To be called

@@ -20,6 +20,6 @@ bool IsUtf8(std::string_view text);
 std::string FromShiftJis(std::string_view bytes);
 
 // The canonically composed form of a name, for comparing names that were written on different
-// systems. ComposedCaseless also folds upper and lower case.
+// systems. CaseFolded also folds upper and lower case.
 std::string Composed(std::string_view text);
 std::string CaseFolded(std::string_view text);

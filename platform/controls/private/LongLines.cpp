@@ -5,7 +5,8 @@
 
 namespace {
 
-constexpr int kContinues = 1;  // the state of a paragraph that continues the line before it
+constexpr int kShort = 100'000;  // characters
+constexpr int kContinues = 1;    // the state of a paragraph that continues the line before it
 
 }  // namespace
 
@@ -30,10 +31,18 @@ void AppendOutput(QTextDocument& document, const QString& text) {
     cursor.endEditBlock();
 }
 
-// Copies the whole text at once, which is faster than asking each paragraph. On X11 every change of
-// the selection comes here.
+// On X11 every change of the selection comes here. Asking each paragraph is slow for a long text,
+// copying the whole text for a short one.
 QString OutputBetween(const QTextDocument& document, int from, int to) {
-    QString text = document.toRawText().mid(from, to - from);
+    QString text;
+    if (to - from < kShort) {
+        QTextCursor selection(document.findBlock(from));
+        selection.setPosition(from);
+        selection.setPosition(to, QTextCursor::KeepAnchor);
+        text = selection.selectedText();
+    } else {
+        text = document.toRawText().mid(from, to - from);
+    }
     QTextBlock paragraph = document.findBlock(from);
     QChar* const begin = text.data();
     QChar* kept = begin;

@@ -12,6 +12,7 @@
 
 #include "platform/controls/private/LongLines.h"
 #include "platform/qt/HeldKey.h"
+#include "platform/qt/OpenEdit.h"
 #include "platform/qt/QtText.h"
 
 namespace {
@@ -34,6 +35,9 @@ bool HasVeryLongWord(const QString& text) {
     }
     return false;
 }
+
+// Qt shows U+2028 as a break within its paragraph. In a command a break is a line end.
+QString WithLineEnds(QString text) { return text.replace(QChar::LineSeparator, u'\n'); }
 
 }  // namespace
 
@@ -118,17 +122,19 @@ QMimeData* TextPane::createMimeDataFromSelection() const {
 }
 
 void TextPane::insertFromMimeData(const QMimeData* source) {
-    ChooseWrapping(document()->toRawText() + source->text());
-    QPlainTextEdit::insertFromMimeData(source);
+    QMimeData lines;
+    lines.setText(WithLineEnds(source->text()));
+    ChooseWrapping(document()->toRawText() + lines.text());
+    QPlainTextEdit::insertFromMimeData(&lines);
 }
 
 void TextPane::keyPressEvent(QKeyEvent* event) {
     if (!IsModifier(event->key())) EndComposition();
     // Shift+Return begins a new paragraph, as Return does.
-    if (event->matches(QKeySequence::InsertLineSeparator) && !isReadOnly())
-        textCursor().insertBlock();
-    else
-        QPlainTextEdit::keyPressEvent(event);
+    if (!event->matches(QKeySequence::InsertLineSeparator) || isReadOnly())
+        return QPlainTextEdit::keyPressEvent(event);
+    textCursor().insertBlock();
+    ensureCursorVisible();
 }
 
 void TextPane::inputMethodEvent(QInputMethodEvent* event) {
@@ -137,12 +143,13 @@ void TextPane::inputMethodEvent(QInputMethodEvent* event) {
     // First the commit, then the new composition: Qt would show both in the line where the commit
     // began.
     QInputMethodEvent commit;
-    commit.setCommitString(event->commitString(), event->replacementStart(),
+    commit.setCommitString(WithLineEnds(event->commitString()), event->replacementStart(),
                            event->replacementLength());
     QPlainTextEdit::inputMethodEvent(&commit);
     QInputMethodEvent compose(event->preeditString(), event->attributes());
     QPlainTextEdit::inputMethodEvent(&compose);
     mComposition = textCursor();
+    SetComposing(this, [this] { EndComposition(); });
 }
 
 QString TextPane::Composed() const {
@@ -184,6 +191,7 @@ void TextPane::focusInEvent(QFocusEvent* event) {
 }
 
 void TextPane::focusOutEvent(QFocusEvent* event) {
+    EndComposition();
     QPlainTextEdit::focusOutEvent(event);
     update();
 }

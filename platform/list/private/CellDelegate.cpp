@@ -102,6 +102,7 @@ void CellDelegate::setEditorData(QWidget* widget, const QModelIndex& index) cons
 // The editor cuts a very long text off. The cell keeps it whole unless the user changes it.
 void CellDelegate::setModelData(QWidget* widget, QAbstractItemModel* model,
                                 const QModelIndex& index) const {
+    EndComposing();
     const auto* editor = static_cast<Editor*>(widget);
     if (editor->text() != editor->given) QStyledItemDelegate::setModelData(widget, model, index);
 }
