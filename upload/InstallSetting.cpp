@@ -1,5 +1,6 @@
 // The install setting file: lines of comma-separated fields, of which the first is a key.
 //   cd,<reset method>      cb,<speed>      up,<file beside the setting file>,<address>
+#include <functional>
 #include <optional>
 
 #include "flash/EspWin.h"
@@ -24,6 +25,7 @@ void EspWin::SetInstallSetting(const FolderItemRef& file, Origin origin) {
     std::optional<std::int64_t> speed;
     const PopupMenu& speeds = BaudPM();
     const FolderItemRef folder = file->Parent();
+    const auto child = origin == Origin::Chosen ? &FolderItem::Child : &FolderItem::TrustedChild;
     do {
         const std::string line = stream->ReadLine(nullptr);
         if (line.empty()) continue;
@@ -35,8 +37,7 @@ void EspWin::SetInstallSetting(const FolderItemRef& file, Origin origin) {
             for (std::int64_t i = 0; i < speeds.ListCount(); ++i)
                 if (Equal(value, speeds.List(i))) speed = i;
         } else if (Equal(key, "up")) {
-            const FolderItemRef image =
-                origin == Origin::Chosen ? folder->Child(value) : folder->TrustedChild(value);
+            const FolderItemRef image = std::invoke(child, *folder, value);
             if (image && image->Exists()) SetUploadFileToList(image, NthField(line, ",", 3));
         }
     } while (!stream->Eof());
