@@ -1,5 +1,6 @@
 #include "kit/ImageList.h"
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <optional>

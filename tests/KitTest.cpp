@@ -191,61 +191,53 @@ class KitTest : public QObject {
   private slots:
     // One line, status 2, and no file is changed.
     void Refuses_data() {
-        const auto row = Columns<QStringList, QByteArray, Files>("arguments", "message", "files");
+        const auto row = Columns<QString, QByteArray, Files>("arguments", "message", "files");
+        const auto call = [&](const char* name, const char* arguments, const QByteArray& message,
+                              const Files& files = {}) { row(name, arguments, message, files); };
+        call("no folder to make", "--copy", "usage: ");
+        call("no value", "new --tool", "no value after --tool");
+        call("an empty value", "--from  new", "no value after --from");
+        call("an unknown option", "-x new", "unknown option: -x");
+        call("no tool", "--tool a.bin new", "no flash tool to run at a.bin");
+        call("no folder around it", "x/y", "no folder x to make it in");
+        call("a file", "a.bin", "not a folder: a.bin");
+        call("no address", "new a.bin", "an image without an address");
+        const QByteArray number = "not a number such as 65536 or 0x10000: ";
+        call("an octal address", "empty a.bin 010", number + "010");
+        call("a signed address", "new a.bin 0x-1", number + "0x-1");
+        call("a large address", "new a.bin 4294967296", "address beyond 32 bits: 4294967296");
+        call("an end beyond 32 bits", "new a.bin 0xFFFFFFFF", "a.bin ends beyond 32 bits");
+        call("an overlap", "new b'.bin 0x10 a.bin 12", "b'.bin and a.bin overlap");
+        call("two of one name", "--copy new a.bin 0 full/a.bin 99",
+             "two images with the name a.bin");
+        call("links to two that are the same", "new a.bin 0 x/a.bin 99",
+             "two images with the name a.bin", {{"x/a.bin", "a.bin"}});
         const QByteArray name = "a setting file can't hold a name with ";
-        row("no folder to make", {}, "usage: ", {});
-        row("no value", {"new", "--tool"}, "no value after --tool", {});
-        row("an empty value", {"--from", "", "new"}, "no value after --from", {});
-        row("an unknown option", {"-x", "new"}, "unknown option: -x", {});
-        row("no tool", {"--tool", "a.bin", "new"}, "no flash tool to run at a.bin", {});
-        row("a folder in a folder that isn't there", {"x/y"}, "no folder x to make it in", {});
-        row("a file", {"a.bin"}, "not a folder: a.bin", {});
-        row("the root folder", {"//"}, "neither an empty folder nor one by quillstone-kit: /", {});
-        row("no address", {"new", "a.bin"}, "an image without an address", {});
-        row("an octal address", {"empty", "a.bin", "010"},
-            "not a number such as 65536 or 0x10000: 010", {});
-        row("a signed address", {"new", "a.bin", "0x-1"},
-            "not a number such as 65536 or 0x10000: 0x-1", {});
-        row("a large address", {"new", "a.bin", "4294967296"}, "address beyond 32 bits: 4294967296",
-            {});
-        row("an image that ends beyond 32 bits", {"new", "a.bin", "0xFFFFFFFF"},
-            "a.bin ends beyond 32 bits", {});
-        row("an overlap", {"new", "b'.bin", "0x10", "a.bin", "12"}, "b'.bin and a.bin overlap", {});
-        row("two images of one name", {"new", "a.bin", "0", "full/a.bin", "99"},
-            "two images with the name a.bin", {});
-        row("a link to one of two that are the same", {"new", "a.bin", "0", "other/a.bin", "99"},
-            "two images with the name a.bin", {{"other/a.bin", "a.bin"}});
-        row("a comma and a line end", {"new", "c,\r", "0"}, name + "a comma: c,?", {});
-        row("no such image", {"new", "c d%s.bin", "0"}, "no image to read at c d%s.bin", {});
-        row("no such speed", {"--speed", "1", "new"}, "not a speed that the window has: 1", {});
-        row("a shell command as reset", {"--reset", "a;b", "new"},
-            "not a word for a reset method: a;b", {});
+        call("a comma and a line end", "new c,\r 0", name + "a comma: c,?");
+        call("no such image", "new c%s.bin 0", "no image to read at c%s.bin");
+        call("no such speed", "--speed 1 new", "not a speed that the window has: 1");
+        call("a command as reset", "--reset a;b new", "not a word for a reset method: a;b");
 
-        const auto list = [&row](const char* what, const QByteArray& text,
-                                 const QByteArray& message) {
-            row(what, {"--from", "list", "new"}, message, {{"list", text}});
+        const auto list = [&](const char* what, const char* text, const QByteArray& message) {
+            row(what, "--from list new", message, {{"list", text}});
         };
         list("an empty list", "--flash_mode dio", "no image in list");
         list("an address alone", "0 a.bin 0x99", "address without a file in list: 0x99");
         list("bytes that are no UTF-8", "0 \xFF", name + "bytes that are no UTF-8: \xFF");
-        list("no such file in a list", "0 a.bin 9 x", "no image to read at x");
-        list("an unknown option in a list", "0 a.bin --encrypt",
-             "unknown option in list: --encrypt");
+        list("an unknown option in a list", "0 a.bin -x", "unknown option in list: -x");
         list("an option alone", "0 a.bin --flash_size", "no value after --flash_size in list");
         list("an open quote", "0 \"a.bin\n\"", "a quote without its end in list");
-        list("a file that is no list", QByteArray(9000, 'x'),
-             "too large for a list of images: list");
+        list("a large file", QByteArray(9000, 'x'), "too large for a list of images: list");
 
-        const auto build = [&row](const char* what, const QByteArray& message, const Files& files) {
-            row(what, {"--from", "project", "new"}, message, files);
+        const auto build = [&](const char* what, const QByteArray& message, const Files& files) {
+            row(what, "--from project new", message, files);
         };
-        const auto ideData = [&build](const char* what, const QByteArray& json,
-                                      const QByteArray& message) {
+        const auto ideData = [&](const char* what, const char* json, const QByteArray& message) {
             build(what, message, {{"project/idedata.json", json}});
         };
         const QByteArray file = " in project/idedata.json";
-        build("no build", "no list to read at project", {});
-        build("a folder without a build",
+        build("nothing there", "no list to read at project", {});
+        build("no build",
               "no build in project: no flash_args, build/flash_args, idedata.json or "
               ".pio/build/ENV/idedata.json (PlatformIO writes it by: pio run -t idedata)",
               {{"project/x", ""}});
@@ -253,45 +245,42 @@ class KitTest : public QObject {
             "two environments",
             "more than one build, name one of them: project/.pio/build/a project/.pio/build/b",
             {{"project/.pio/build/b/idedata.json", ""}, {"project/.pio/build/a/idedata.json", ""}});
-        ideData("no JSON", "0x0 a.bin", "no JSON object" + file + ": illegal value");
         ideData("deep JSON", QByteArray(100'000, '['),
                 "no JSON object" + file + ": too deeply nested document");
         ideData("JSON of something else", "{}", "no list extra.flash_images" + file);
         ideData("no application", R"({"extra":{"flash_images":[]}})", "no prog_path" + file);
-        ideData("an application that isn't built", R"({"prog_path":"ROOT/x.elf",
-                "extra":{"flash_images":[]}})",
+        ideData("an application that isn't built",
+                R"({"prog_path":"ROOT/x.elf","extra":{"flash_images":[]}})",
                 "no image to read at ROOT/x.bin");
         ideData("an image without its path", R"({"extra":{"flash_images":[{"offset":1}]}})",
                 "no path of an image" + file);
-        ideData("an offset that is no number", R"({"prog_path":"ROOT/a.elf",
-                "extra":{"flash_images":[],"application_offset":1.5}})",
-                "not a number such as 65536 or 0x10000: 1.5");
+        ideData("an offset that is no number",
+                R"({"prog_path":"x.elf","extra":{"flash_images":[],"application_offset":1.5}})",
+                number + "1.5");
 
-        // What the kit hasn't made.
+        // What the kit hasn't made. `entry` stands in its folder, in place of the image.
         const QByteArray foreign = "neither an empty folder nor one by quillstone-kit: made";
-        const QByteArray setting = QByteArray(kSettingMark) + "\nup,a.bin,0\n";
-        const Files own{{"made/esptool/esptool", ""},
-                        {"made/bin/installsetting.csv", setting},
-                        {"made/bin/a.bin", ""}};
-        const auto other = [&](const char* what, const QString& entry, const QByteArray& bytes,
-                               const QByteArray& named) {
-            Files files = own;
-            files.remove("made/bin/a.bin");
-            files[entry] = bytes;
-            row(what, {"made", "a.bin", "0"}, foreign + named, files);
+        const auto other = [&](const char* what, const QString& entry, const QByteArray& named,
+                               const QByteArray& mark = kSettingMark) {
+            row(what, "made a.bin 0", foreign + ", because of " + named,
+                {{"made/esptool/esptool", ""},
+                 {"made/bin/installsetting.csv", mark + "\nup,a.bin,0\n"},
+                 {"made/" + entry, ""}});
         };
-        other("another file", "made/.notes", "", ", because of .notes");
-        other("another tool", "made/esptool/x", "", ", because of esptool/x");
-        other("an image of the user's", "made/bin/b.bin", "", ", because of bin/b.bin");
-        other("a folder as image", "made/bin/a.bin/x", "", ", because of bin/a.bin");
+        call("the root folder", "//", foreign.chopped(4) + "//, because of ");
+        other("another file", ".notes", ".notes");
+        other("another tool", "esptool/x", "esptool/x");
+        other("an image of the user's", "bin/b.bin", "bin/b.bin");
+        other("a folder as image", "bin/a.bin/x", "bin/a.bin");
+        other("a setting file of the user's", "quillstone", "bin/installsetting.csv", "cb,9600");
     }
     void Refuses() {
         const auto [arguments, message, files] =
-            Row<QStringList, QByteArray, Files>("arguments", "message", "files");
+            Row<QString, QByteArray, Files>("arguments", "message", "files");
         const Machine machine;
         machine.Write(files);
         const Files before = machine.Tree();
-        const auto [status, errors] = machine.Kit(arguments);
+        const auto [status, errors] = machine.Kit(arguments.split(' '));
         QCOMPARE(status, 2);
         const QByteArray line = QByteArray(errors).replace(machine.Root().toUtf8(), "ROOT");
         QVERIFY2(line.startsWith("quillstone-kit: " + message), line);
