@@ -88,12 +88,21 @@ void TextPane::Append(const QString& text) {
     mSet.reset();
     mOwnChange = true;
     AppendOutput(*document(), text);
-    // Qt drops the oldest paragraphs beyond this count. Long paragraphs may hold too many
-    // characters before that. Then an eighth of the paragraphs is dropped at once.
-    const bool tooMuch = document()->characterCount() > mMostCharacters;
-    setMaximumBlockCount(tooMuch ? std::max(1, blockCount() * 7 / 8) : mMostParagraphs);
+    DropOldest();
     mOwnChange = false;
     mAnnouncer.Announce(text);
+}
+
+// Qt's setMaximumBlockCount takes twice the time, since it lays out each paragraph that it drops.
+void TextPane::DropOldest() {
+    while (blockCount() > 1 &&
+           (blockCount() > mMostParagraphs || document()->characterCount() > mMostCharacters)) {
+        const int count = std::max(1, blockCount() / 64);
+        QTextCursor oldest(document());
+        oldest.setPosition(document()->findBlockByNumber(count).position(),
+                           QTextCursor::KeepAnchor);
+        oldest.removeSelectedText();
+    }
 }
 
 void TextPane::SetBusy(bool busy) {

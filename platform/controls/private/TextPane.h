@@ -45,6 +45,7 @@ class TextPane : public QPlainTextEdit {
   private:
     void ChooseWrapping(const QString& text);
     QString Composed() const;
+    void DropOldest();
     void DropComposition();
     void EndComposition();
     void PaintFrame();
