@@ -9,28 +9,16 @@ Q_DECLARE_METATYPE(Change)
 class CommandTest : public QObject {
     Q_OBJECT
   private slots:
-    // Each change composes the command anew and discards a hand edit. @ is the base folder.
+    // Each change composes the command anew and discards a hand edit.
     void AChangeComposes_data() {
-        QTest::addColumn<Change>("change");
-        QTest::addColumn<QString>("command");
-        const auto row = [](const char* what, const QString& command, const Change& change) {
-            QTest::newRow(what) << change << " -vv " + command;
-        };
-        const auto type = [](const char* name) {
-            return [=](OpenedWindow& o) { QTest::keyClicks(o.Widget<QWidget>(name), "y"); };
-        };
-        const QString image = "-ca 7 -cf @/i.bin", same = "-cd ck -cb 115200 -cp /dev/p " + image;
+        const auto row = Columns<QString, Change>("options", "change");
+        const QString same = "-cd ck -cb 115200 -cp /dev/p ";
         row("a scan", same, [](OpenedWindow& o) { o.Click("ScanBtn"); });
-        row("a tool's path, typed", same, type("EspToolEF"));
-        row("the upload field", same, [](OpenedWindow& o) { o.window.UploadEF().Text("x"); });
-        row("the reset text, typed", "-cd cky -cb 115200 -cp /dev/p " + image, type("ResetEF"));
-        row("no reset text", "-cb 115200 -cp /dev/p " + image,
+        row("a tool's path, typed", same,
+            [](OpenedWindow& o) { QTest::keyClicks(o.Widget<QWidget>("EspToolEF"), "y"); });
+        row("no reset text", "-cb 115200 -cp /dev/p ",
             [](OpenedWindow& o) { o.window.ResetEF().Text(""); });
-        row("no port", "-cd ck -cb 115200 " + image,
-            [](OpenedWindow& o) { o.window.PortPM().DeleteAllRows(); });
-        row("another port", "-cd ck -cb 115200 -cp /dev/q " + image,
-            [](OpenedWindow& o) { o.window.PortPM().ListIndex(1); });
-        row("another speed", "-cd ck -cb 230400 -cp /dev/p " + image,
+        row("another speed", "-cd ck -cb 230400 -cp /dev/p ",
             [](OpenedWindow& o) { o.window.BaudPM().ListIndex(11); });
         row("the image deleted and back", same, [](OpenedWindow& o) {
             const auto path = QString::fromStdString(GetFolderItem("", 0)->NativePath()) + "/i.bin";
@@ -41,7 +29,7 @@ class CommandTest : public QObject {
         });
     }
     void AChangeComposes() {
-        const auto [change, command] = Row<Change, QString>("change", "command");
+        const auto [options, change] = Row<QString, Change>("options", "change");
         const PreparedFolder folder("a/b/base");
         folder.Ports({"p", "q"});
         folder.Write("i.bin", "1");
@@ -51,7 +39,7 @@ class CommandTest : public QObject {
         opened.window.InstallEF().Text("by hand");
         QCoreApplication::processEvents();
         change(opened);
-        const QString expected = QString(command).replace("@", folder.Path());
+        const QString expected = " -vv " + options + "-ca 7 -cf " + folder.Path("i.bin");
         QCOMPARE(QString::fromStdString(opened.window.InstallEF().Text()), expected);
         QTRY_COMPARE(opened.Widget<QPlainTextEdit>("InstallEF")->toPlainText(), expected);
     }

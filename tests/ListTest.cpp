@@ -11,47 +11,37 @@
 class ListTest : public QObject {
     Q_OBJECT
   private slots:
-    void TypingAfterAClick_data() {
-        const auto row = Columns<bool, int>("selected", "wait");
-        row("at once, on the selected row", true, 0);
-        row("after 80 ms, on the selected row", true, 80);
-        row("after 300 ms, on the selected row", true, 300);
-        row("at once, on another row", false, 0);
-    }
-    void TypingAfterAClick() {
-        const LoadedWindow job;
-        const auto [selected, wait] = Row<bool, int>("selected", "wait");
-        if (selected) job.Click(1, 0);
-        job.Click(1, 1);
-        job.Type("0x20000", wait, 80);
-        job.Press(Qt::Key_Tab);
-        QCOMPARE(job.Column(1), (QStringList{"1", "0x20000", "3"}));
-        QCOMPARE(QApplication::focusWidget()->objectName(), "DeletePB");
-    }
-
+    // An editor is open before the next key comes.
     void EditInPlace_data() {
         const auto row =
-            Columns<Qt::Key, Qt::Key, QString, QString>("start", "leave", "address", "heir");
-        // A click starts it where no key does.
-        row("a click and Tab", Qt::Key_unknown, Qt::Key_Tab, "new", "DeletePB");
-        row("a click and Down", Qt::Key_unknown, Qt::Key_Down, "new", "ulb");
-        row("F2 and Return", Qt::Key_F2, Qt::Key_Return, "new", "ulb");
-        row("F2 and Escape", Qt::Key_F2, Qt::Key_Escape, "2", "ulb");
-        row("Return and Shift+Tab", Qt::Key_Return, Qt::Key_Backtab, "new", "SelectESPPB");
+            Columns<QString, Qt::Key, QString, QString>("start", "leave", "address", "heir");
+        row("a click and Tab", "click", Qt::Key_Tab, "new", "DeletePB");
+        row("F2 and Escape", "F2", Qt::Key_Escape, "2", "ulb");
+        row("Return and Shift+Tab", "Return", Qt::Key_Backtab, "new", "SelectESPPB");
+        row("typing and Return", "", Qt::Key_Return, "new", "ulb");
+        row("an input method and Down", "commit", Qt::Key_Down, "new", "ulb");
     }
     void EditInPlace() {
         const LoadedWindow job;
-        const auto [start, leave, address] =
-            Row<Qt::Key, Qt::Key, QString>("start", "leave", "address");
+        const auto [start, leave, address, heir] =
+            Row<QString, Qt::Key, QString, QString>("start", "leave", "address", "heir");
         job.Click(1, 1);
         QVERIFY(!job.Editor());
-        start == Qt::Key_unknown ? job.Click(1, 1) : job.Press(start);
-        job.Type("xnew");  // over the old text
-        job.Press(Qt::Key_Home);
-        job.Press(Qt::Key_Delete);
-        job.Press(leave);
+        if (start == "click") {
+            job.Click(1, 1);
+        } else if (start == "commit") {
+            for (const char* text : {" ", "x"}) {  // a blank opens no editor
+                QInputMethodEvent event;
+                event.setCommitString(text);
+                QApplication::sendEvent(QApplication::focusWidget(), &event);
+            }
+        } else if (!start.isEmpty()) {
+            Press({QKeySequence(start)[0]});
+        }
+        job.Type(start == "commit" ? "new" : "xnew");  // over the old text
+        for (const auto key : {Qt::Key_Home, Qt::Key_Delete, leave}) job.Press(key);
         QTRY_VERIFY(!job.Editor());
-        QTEST(QApplication::focusWidget()->objectName(), "heir");
+        QCOMPARE(QApplication::focusWidget()->objectName(), heir);
         QCOMPARE(job.Column(1), (QStringList{"1", address, "3"}));
         QVERIFY(job.Command().contains("-ca " + address + " -cf @/b.bin"));
     }
@@ -72,29 +62,17 @@ class ListTest : public QObject {
         QVERIFY(!job.Editor() && job.Column(1) == QStringList{"9"});
     }
 
-    void InputMethod() {
-        const LoadedWindow job;
-        job.Press(Qt::Key_End);
-        for (const char* text : {" ", "0", "x2"}) {
-            QInputMethodEvent event;
-            event.setCommitString(text);
-            QApplication::sendEvent(QApplication::focusWidget(), &event);
-        }
-        job.Press(Qt::Key_Tab);
-        QCOMPARE(job.Column(1)[2], "0x2");
-    }
-
     void DoubleClick_data() {
-        const auto row = Columns<int, int>("selectedRow", "column");
-        row("an address of the selected row", 1, 1);
-        row("a file", 1, 0);
+        const auto row = Columns<int>("column");
+        row("an address of the selected row", 1);
+        row("a file", 0);
     }
     void DoubleClick() {
         LoadedWindow job;
-        const auto [selectedRow, column] = Row<int, int>("selectedRow", "column");
+        QFETCH(const int, column);
         QStringList seen;
         job.list.DoubleClick = [&](Listbox&) { seen += job.Editor() ? "open" : "closed"; };
-        job.Click(selectedRow, 0);
+        job.Click(1, 0);
         QTest::mouseDClick(job.Desktop(), Qt::LeftButton, {}, job.InWindow(1, column));
         job.Press(Qt::Key_F2);  // in an editor that was open before it selects a word
         QTest::mouseDClick(job.Desktop(), Qt::LeftButton, {}, job.InWindow(1, 1));
@@ -105,11 +83,8 @@ class ListTest : public QObject {
     void SelectByKeys_data() {
         const auto row = Columns<QString, int>("keys", "row");
         row("Up from none", "Up", 2);
-        row("the space bar, again and again", "Space, Space, Space", 0);
-        row("the space bar on a row", "End, Space, Ctrl+Space", 2);
-        row("End", "Down, End", 2);
-        row("Home", "Up, Home", 0);
-        row("Shift with others", "Home, Shift+Down, Shift+Down, Shift+Up", 1);
+        row("the space bar, again and again", "Space, Space, Ctrl+Space", 0);
+        row("Home, and Shift with others", "End, Home, Shift+Down", 1);
         row("a letter from none", "C", -1);
     }
     void SelectByKeys() {
@@ -122,52 +97,44 @@ class ListTest : public QObject {
     }
 
     // Ctrl+C copies the current cell, and leaves the clipboard alone where there is none.
-    void Copy_data() {
-        const auto row = Columns<Qt::Key, int, QString>("key", "clickRow", "copied");
-        row("without a current cell", Qt::Key_unknown, -1, "before");
-        row("after a click into the free space", Qt::Key_unknown, 9, "before");
-        row("after a click on an address", Qt::Key_unknown, 1, "2");
-        row("after a row has gone", Qt::Key_Delete, 2, "before");
-    }
     void Copy() {
         const LoadedWindow job;
-        const auto [key, clickRow] = Row<Qt::Key, int>("key", "clickRow");
         job.view->resize(334, 200);
-        QApplication::clipboard()->setText("before");
-        if (clickRow == 9)
-            QTest::mouseClick(job.view->viewport(), Qt::LeftButton, {}, {20, 150});
-        else if (clickRow >= 0)
-            job.Click(clickRow, 1);
-        if (key != Qt::Key_unknown) job.Press(key);
-        QTest::keyClick(job.Desktop(), Qt::Key_C, Qt::ControlModifier);
-        QTEST(QApplication::clipboard()->text(), "copied");
-    }
-
-    void Colours() {
-        const LoadedWindow job;
-        job.view->resize(334, 200);
-        const auto colour = [&job](int row, int column) {
-            const QImage cell = job.Picture(row, column);
-            return cell.pixel(cell.width() - 3, cell.height() / 2);
+        const auto copied = [&job] {
+            QApplication::clipboard()->setText("before");
+            QTest::keyClick(job.Desktop(), Qt::Key_C, Qt::ControlModifier);
+            return QApplication::clipboard()->text();
         };
-        for (int row = 0; row < 3; ++row)
-            for (int column = 0; column < 2; ++column)
-                QCOMPARE(colour(row, column), row == 1 ? 0xFFD2EDF5 : 0xFFD2FFF3);
-        job.Click(2, 0);
-        QVERIFY(colour(2, 0) != 0xFFD2FFF3 && colour(1, 0) == 0xFFD2EDF5);
+        QCOMPARE(copied(), "before");
+        job.Click(1, 1);
+        QCOMPARE(copied(), "2");
+        QTest::mouseClick(job.view->viewport(), Qt::LeftButton, {}, {20, 150});  // the free space
+        QCOMPARE(copied(), "before");
     }
 
-    // An empty address cell beside a file shows a hint, which isn't part of its text.
-    void Hint() {
-        const LoadedWindow job("up,a.bin\nup,b.bin");
-        const auto isPlain = [&job](int row) {
-            const QImage cell = job.Picture(row, 1);
+    // The rows have colours. An empty address cell beside a file shows a hint, which isn't part of
+    // its text.
+    void Drawing() {
+        const LoadedWindow job("up,a.bin\nup,b.bin\nup,c.bin,");
+        job.view->resize(334, 200);
+        const auto picture = [&job](int row, int column) {  // without the line at the cell's end
+            const QRect place = job.Place(row, column).adjusted(0, 0, -1, 0);
+            return job.view->viewport()->grab(place).toImage();
+        };
+        const auto colour = [&](int row) { return picture(row, 1).pixel(0, 9); };
+        const auto isPlain = [&](int row) {
+            const QImage cell = picture(row, 1);
             return cell == cell.copy(cell.width() - 1, 0, 1, 1).scaled(cell.size());
         };
+        QVERIFY(colour(0) == 0xFFD2FFF3 && colour(1) == 0xFFD2EDF5 && colour(2) == colour(0));
         job.Click(0, 0);
-        QVERIFY(!isPlain(0) && !isPlain(1));
+        QVERIFY(colour(0) != colour(2) && !isPlain(0) && !isPlain(1));
         QCOMPARE(job.Column(1).join("") + job.Command(), "-cd ck -cb 115200 ");
-        for (const auto key : {Qt::Key_Delete, Qt::Key_Home, Qt::Key_Delete}) job.Press(key);
+        for (const int rows : {2, 1, 1}) {
+            job.Press(Qt::Key_Home);
+            job.Press(Qt::Key_Delete);
+            QCOMPARE(job.list.ListCount(), rows);
+        }
         QVERIFY(job.Column(0)[0].isEmpty() && isPlain(0));
     }
 
@@ -199,18 +166,17 @@ class ListTest : public QObject {
 
     // A screen reader's questions about a line of text. SIGALRM ends the test if no answer comes.
     void AccessToText_data() {
-        const auto row = Columns<bool, bool>("list", "editor");
-        row("a field", false, true);
-        row("an address", true, false);
-        row("an address that is edited", true, true);
+        const auto row = Columns<bool>("edited");
+        row("an address", false);
+        row("an address that is edited", true);
     }
     void AccessToText() {
         const LoadedWindow job;
-        const auto [list, editor] = Row<bool, bool>("list", "editor");
-        job.Press(Qt::Key_Home);
-        if (editor) list ? job.Press(Qt::Key_F2) : job.opened.TabTo("ResetEF");
+        QFETCH(const bool, edited);
+        Press({Qt::Key_Home});
+        if (edited) Press({Qt::Key_F2});
         auto* access = QAccessible::queryAccessibleInterface(QApplication::focusWidget());
-        if (!editor) access = access->tableInterface()->cellAt(0, 1);
+        if (!edited) access = access->tableInterface()->cellAt(0, 1);
         auto* text = access->textInterface();
         using Text = QAccessibleTextInterface;
         alarm(60);
@@ -235,11 +201,9 @@ class ListTest : public QObject {
         QCOMPARE(text->textBeforeOffset(7, QAccessible::WordBoundary, &start, &end), "two");
         QCOMPARE(text->textAtOffset(1, QAccessible::WordBoundary, &start, &end), "one");
         QCOMPARE(text->textAfterOffset(3, QAccessible::WordBoundary, &start, &end), "two");
-        QCOMPARE(text->textAtOffset(7, QAccessible::WordBoundary, &start, &end), "");
-        QCOMPARE(text->textAtOffset(7, QAccessible::LineBoundary, &start, &end), "one two");
         access->editableTextInterface()->insertText(INT_MAX, "!");
         QCOMPARE(text->text(-9, INT_MAX), "one two!");
-        if (!editor) return;
+        if (!edited) return;
         QVERIFY(access->role() == QAccessible::EditableText && access->state().editable);
         QVERIFY(text->cursorPosition() == 8 && text->selectionCount() == 0);
         QCOMPARE(text->offsetAtPoint(text->characterRect(4).topLeft()), 4);

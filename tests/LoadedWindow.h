@@ -4,7 +4,6 @@
 #include <QLineEdit>
 #include <QTableView>
 #include <QWindow>
-#include <utility>
 
 #include "Testing.h"
 
@@ -34,10 +33,6 @@ struct LoadedWindow {
     }
     QModelIndex Index(int row, int column) const { return view->model()->index(row, column); }
     QRect Place(int row, int column) const { return view->visualRect(Index(row, column)); }
-    // The picture of a cell, without the line at its end.
-    QImage Picture(int row, int column) const {
-        return view->viewport()->grab(Place(row, column).adjusted(0, 0, -1, 0)).toImage();
-    }
     QPoint InWindow(int row, int column) const {
         return view->viewport()->mapTo(opened.frame, Place(row, column).center());
     }
@@ -46,12 +41,8 @@ struct LoadedWindow {
     void Click(int row, int column, Qt::KeyboardModifiers held = {}) const {
         QTest::mouseClick(Desktop(), Qt::LeftButton, held, InWindow(row, column));
     }
-    // Types. `before` and `between` are milliseconds before the first key and before the others.
-    void Type(const QString& text, int before = 0, int between = 0) const {
-        for (const QChar c : text) {
-            QTest::qWait(std::exchange(before, between));
-            QTest::keyClick(Desktop(), c.toLatin1());
-        }
+    void Type(const QString& text) const {
+        for (const QChar c : text) QTest::keyClick(Desktop(), c.toLatin1());
     }
     void Press(Qt::Key key) const { QTest::keyClick(Desktop(), key); }
     QWindow* Desktop() const { return opened.frame->windowHandle(); }

@@ -3,25 +3,9 @@
 #include <QPlainTextEdit>
 #include <QScreen>
 #include <QScrollBar>
+#include <QSignalSpy>
 
 #include "Testing.h"
-
-namespace {
-
-// Counts the requests for a new layout during its life.
-class LayoutRequests : public QObject {
-  public:
-    LayoutRequests() { qApp->installEventFilter(this); }
-    int Count = 0;
-
-  protected:
-    bool eventFilter(QObject*, QEvent* event) override {
-        Count += event->type() == QEvent::LayoutRequest || event->type() == QEvent::Resize;
-        return false;
-    }
-};
-
-}  // namespace
 
 class PaneTest : public QObject {
     Q_OBJECT
@@ -30,11 +14,10 @@ class PaneTest : public QObject {
         const OpenedWindow opened;
         auto* pane = opened.Widget<QPlainTextEdit>("rEF");
         const QWidget* start = opened.Widget<QWidget>("StartPB");
-        const QRect place(pane->mapTo(opened.frame, QPoint()), QSize(pane->width(), 3));
         const auto edge = [&] {  // as it stands on the screen
-            return opened.frame->screen()
-                ->grabWindow(opened.frame->winId(), place.x(), place.y(), place.width(), 3)
-                .toImage();
+            const QPoint place = pane->mapTo(opened.frame, QPoint());
+            const WId frame = opened.frame->winId();
+            return pane->screen()->grabWindow(frame, place.x(), place.y(), 512, 3).toImage();
         };
         opened.TabTo("StartPB");
         QCoreApplication::processEvents();
@@ -42,9 +25,11 @@ class PaneTest : public QObject {
         opened.Start("sleep 99");
         QVERIFY(opened.window.rEF().Busy());
         QCOMPARE(pane->toolTip() + start->toolTip(), QString("Ctrl+. stops the run").repeated(2));
-        QTRY_VERIFY(edge() != idle);
-        const QImage before = edge();
-        QTRY_VERIFY(edge() != before && edge() != idle);
+        QImage before = idle;
+        for (int moves = 0; moves < 2; ++moves) {
+            QTRY_VERIFY(edge() != idle && edge() != before);
+            before = edge();
+        }
         Key(Qt::Key_Period, Qt::ControlModifier);
         QTRY_COMPARE(edge(), idle);
         QCOMPARE(pane->toolTip() + start->toolTip(), "");
@@ -66,36 +51,24 @@ class PaneTest : public QObject {
         const QString command = QString(9'000, 'x') + "\nnext";
         opened.window.InstallEF().Text(command.toStdString());
         auto* field = opened.Widget<QPlainTextEdit>("InstallEF");
-        field->setFocus();
         const auto text = [&] { return QString::fromStdString(opened.window.InstallEF().Text()); };
-        const auto goTo = [field](int position) {
-            QTextCursor cursor = field->textCursor();
-            cursor.setPosition(position);
-            field->setTextCursor(cursor);
-        };
-        goTo(8'190);
-        for (int i = 0; i < 10; ++i) Key(Qt::Key_Right);
-        QCOMPARE(field->textCursor().position(), 8'200);
-        for (int i = 0; i < 10; ++i) Key(Qt::Key_Backspace);
-        QCOMPARE(text(), command.mid(10));
+        field->setFocus();
+        QCOMPARE(field->blockCount(), 2);
+        QTextCursor cursor = field->textCursor();
+        cursor.setPosition(8'194);
+        field->setTextCursor(cursor);
+        for (int i = 0; i < 4; ++i) Key(Qt::Key_Backspace);
         Type("yz");
-        QCOMPARE(text(), QString(8'190, 'x') + "yz" + QString(800, 'x') + "\nnext");
+        QCOMPARE(text(), QString(8'190, 'x') + "yz" + QString(806, 'x') + "\nnext");
         while (field->document()->isUndoAvailable()) field->undo();
         QCOMPARE(text(), command);
         // Return and Shift+Return begin a new line, and so does a pasted line end.
         const QString pasted = "a" + QString(9'000, QChar(0x301)) + "\nbxy";
         QApplication::clipboard()->setText(pasted);
-        Key(Qt::Key_A, Qt::ControlModifier);
-        Key(Qt::Key_V, Qt::ControlModifier);
-        QCOMPARE(text(), pasted);
-        Press({Qt::Key_Left, Qt::Key_Return, Qt::Key_Left, Qt::Key_Left});
-        Key(Qt::Key_Return, Qt::ShiftModifier);
+        Press({Qt::CTRL | Qt::Key_A, Qt::CTRL | Qt::Key_V, Qt::Key_Left, Qt::Key_Return,
+               Qt::Key_Left, Qt::Key_Left, Qt::SHIFT | Qt::Key_Return});
         QCOMPARE(text(), pasted.chopped(2) + "\nx\ny");
-        QCOMPARE(field->document()->blockCount(), 4);
-        for (int i = 0; i < 3; ++i) field->undo();
-        QCOMPARE(text(), command);
-        field->redo();
-        QCOMPARE(text(), pasted);
+        QCOMPARE(field->blockCount(), 4);
     }
 
     // The pane keeps the newest output, byte for byte.
@@ -104,7 +77,6 @@ class PaneTest : public QObject {
             Columns<QByteArray, int, int, int>("piece", "pieces", "lines", "characters");
         row("few characters", "line\n", 1000, 1'000'000, 800);
         row("no line end", QByteArray(10'000, 'x'), 30, 1'000'000, 100'000);
-        row("long lines", QByteArray(20'000, 'x') + "\n", 30, 1'000'000, 100'000);
         row("empty lines", "\n", 1000, 100, 1'000'000);
     }
     void OutputWithoutEnd() {
@@ -126,11 +98,12 @@ class PaneTest : public QObject {
         const OpenedWindow opened;
         opened.window.EspToolEF().Text("/home/user/esptool/esptool");
         opened.window.InstallEF().Text("word/1 word/2 word/3");
-        const LayoutRequests requests;
+        const auto* pane = opened.Widget<QPlainTextEdit>("InstallEF");
+        const QSignalSpy scrolls(pane->verticalScrollBar(), &QScrollBar::rangeChanged);
         for (int width = 540; width >= 64; width -= 2) {
             opened.frame->resize(width, 540);
             for (int turn = 0; turn < 10; ++turn) QCoreApplication::processEvents();
-            QVERIFY2(requests.Count < 10'000, qPrintable(QString::number(width)));
+            QVERIFY2(scrolls.size() < 1'000, qPrintable(QString::number(width)));
         }
     }
 
@@ -145,13 +118,12 @@ class PaneTest : public QObject {
             QCOMPARE(bar->value(), bar->maximum());
         }
         const std::string lines = QString("line\n").repeated(9'000).toStdString();
-        output.AppendText(lines);
-        QVERIFY(bar->value() < bar->maximum());
-        output.ScrollPosition(10'000);
-        QCOMPARE(bar->value(), bar->maximum());
-        output.AppendText(lines);
-        output.ScrollPosition(10'000);  // a line, and there are more by now
-        QVERIFY(bar->value() == 10'000 && bar->value() < bar->maximum());
+        for (int times = 0; times < 2; ++times) {
+            output.AppendText(lines);
+            QVERIFY(bar->value() < bar->maximum());
+            output.ScrollPosition(10'000);  // a line: the last one, unless there are more by now
+            QCOMPARE(bar->value(), std::min(bar->maximum(), 10'000));
+        }
         // Paragraphs of several lines that have been scrolled through.
         auto* pane = opened.Widget<QPlainTextEdit>("rEF");
         output.Text((QString(500, 'x') + '\n').repeated(100).toStdString());

@@ -23,6 +23,7 @@
 #include <QTimer>
 #include <QWheelEvent>
 #include <QWindow>
+#include <array>
 #include <map>
 #include <random>
 
@@ -64,14 +65,7 @@ void Expect(bool isRight, const char* what, const QString& where) {
 // Knows what is right. It judges after each step, and whenever something acts in the middle of one.
 class Oracle {
   public:
-    explicit Oracle(OpenedWindow& opened)
-        : mWindow(opened.window),
-          mList(opened.Widget<QTableView>("ulb")),
-          mLines{opened.Widget<QLineEdit>("ResetEF"), opened.Widget<QLineEdit>("AddressEF")} {
-        for (TextArea* area :
-             {&mWindow.rEF(), &mWindow.UploadEF(), &mWindow.EspToolEF(), &mWindow.InstallEF()})
-            mAreas += {area, opened.Widget<QPlainTextEdit>(area->Name().c_str())};
-    }
+    explicit Oracle(OpenedWindow& opened) : mOpened(opened), mWindow(opened.window) {}
 
     void BeforeStep() {
         mBefore = Text(mWindow.InstallEF());
@@ -95,10 +89,13 @@ class Oracle {
     }
 
     void AfterStep() {
-        for (const auto& [area, pane] : mAreas) JudgePane(*area, *pane);
-        for (const QLineEdit* line : mLines) {
-            Expect(line->cursorPosition() <= line->text().size(), "cursor", line->objectName());
-            Expect(!line->text().contains('\n'), "line end", line->objectName());
+        for (const TextArea* area :
+             {&mWindow.rEF(), &mWindow.UploadEF(), &mWindow.EspToolEF(), &mWindow.InstallEF()})
+            JudgeArea(*area);
+        for (const char* name : {"ResetEF", "AddressEF"}) {
+            const auto* line = mOpened.Widget<QLineEdit>(name);
+            Expect(line->cursorPosition() <= line->text().size(), "cursor", name);
+            Expect(!line->text().contains('\n'), "line end", name);
         }
         JudgeFocus();
         JudgeEdit();
@@ -133,18 +130,15 @@ class Oracle {
     }
 
     // A text field draws its text, line for line. A composition isn't part of the text.
-    void JudgePane(const TextArea& area, const QPlainTextEdit& pane) const {
-        const QTextCursor cursor = pane.textCursor();
-        const int end = pane.document()->characterCount();
-        Expect(cursor.position() < end && cursor.anchor() < end, "cursor", pane.objectName());
-        QStringList drawn;
-        for (QTextBlock line = pane.document()->begin(); line.isValid(); line = line.next())
-            drawn += line.text();
+    void JudgeArea(const TextArea& area) const {
+        const auto* pane = mOpened.Widget<QPlainTextEdit>(area.Name().c_str());
+        const QTextCursor cursor = pane->textCursor();
+        const int end = pane->document()->characterCount();
+        Expect(cursor.position() < end && cursor.anchor() < end, "cursor", pane->objectName());
+        QString text = Text(area), drawn = pane->toPlainText();
         // The output has very long lines in several paragraphs.
-        const bool isOutput = &area == &mWindow.rEF();
-        const QString text = isOutput ? Text(area).remove('\n') : Text(area);
-        const QByteArray bytes = drawn.join(isOutput ? "" : "\n").toUtf8();  // halves of pairs too
-        Expect(bytes == text.toUtf8(), "drawn", pane.objectName() + " " + bytes + "| for |" + text);
+        if (&area == &mWindow.rEF()) text.remove('\n'), drawn.remove('\n');
+        Expect(drawn.toUtf8() == text.toUtf8(), "drawn", drawn + "| for |" + text);
     }
 
     void JudgeFocus() const {
@@ -195,10 +189,9 @@ class Oracle {
             Expect(mIsEdited && command == mBefore, "command", command + "| for |" + composed);
     }
 
+    OpenedWindow& mOpened;
     const EspWin& mWindow;
-    QTableView* mList;
-    QList<QLineEdit*> mLines;
-    QList<std::pair<TextArea*, QPlainTextEdit*>> mAreas;
+    QTableView* mList = mOpened.Widget<QTableView>("ulb");
     QPointer<QLineEdit> mEditor;
     QPersistentModelIndex mCell;  // that is edited
     QString mTyped;               // the text in its editor
@@ -214,18 +207,16 @@ class RandomUser {
         mFolder.Ports({"p", "q"});
         setenv("PATH", "", 1);  // no command finds a program
         EspWin& window = mOpened.window;
-        auto& start = window.StartPB();
-        start.Action = [this, action = start.Action](PushButton& sender) {
+        Before(window.StartPB().Action, [this] {
             mOracle.OnStart();
             mOpened.window.InstallEF().Text(Any(kCommands));
             mOracle.EditsCommand();
-            action(sender);
-        };
+        });
         for (auto* button : {&window.SelectPB(), &window.SelectESPPB(), &window.ScanBtn(),
                              &window.DeletePB(), &window.ConnectPB()})
-            Watch(button->Action);
+            Before(button->Action, [this] { mOracle.OnAction(); });
         for (auto* popup : {&window.PortPM(), &window.BaudPM(), &window.tooltypePM()})
-            Watch(popup->Change);
+            Before(popup->Change, [this] { mOracle.OnAction(); });
         mCancel.callOnTimeout([] {
             if (QThread::currentThread()->loopLevel() == 0) return;
             QWidget* waits = QApplication::activePopupWidget();
@@ -251,46 +242,35 @@ class RandomUser {
     }
 
   private:
-    template <class Sender>
-    void Watch(std::function<void(Sender&)>& event) {
-        event = [this, handler = event](Sender& sender) {
-            mOracle.OnAction();
+    // Has something done before an event's handler.
+    template <class Sender, class First>
+    static void Before(std::function<void(Sender&)>& event, First first) {
+        event = [first, handler = event](Sender& sender) {
+            first();
             handler(sender);
         };
     }
 
     int Below(int limit) { return static_cast<int>(mRandom() % static_cast<unsigned>(limit)); }
-    template <class T, std::size_t size>
-    T Any(const T (&values)[size]) {
-        return values[Below(static_cast<int>(size))];
+    template <class Values>
+    auto Any(const Values& values) -> std::decay_t<decltype(values[0])> {
+        return values[Below(static_cast<int>(std::size(values)))];
     }
-    int Odd() {
-        const int numbers[] = {-2, -1, 0, 1, 7, Below(99), INT_MAX, INT_MIN};
-        return Any(numbers);
-    }
+    int Odd() { return Any(std::array{-2, -1, 0, 1, 7, Below(99), INT_MAX, INT_MIN}); }
+
     // Anywhere in the window, or the middle of a control or of a cell.
     QPoint Place() {
         const auto* list = mOpened.Widget<QTableView>("ulb");
-        const auto controls = list->parentWidget()->children();
-        switch (Below(3)) {
-            case 0:
-                return {Below(mOpened.frame->width()), Below(mOpened.frame->height())};
-            case 1: {
-                auto* control = static_cast<QWidget*>(controls[Below(int(controls.size()))]);
-                return control->mapTo(mOpened.frame, control->rect().center());
-            }
-            default: {
-                const QModelIndex cell = list->model()->index(Below(2), Below(2));
-                return list->viewport()->mapTo(mOpened.frame, list->visualRect(cell).center());
-            }
-        }
+        const auto* control = static_cast<QWidget*>(Any(list->parentWidget()->children()));
+        const QRect cell = list->visualRect(list->model()->index(Below(2), Below(2)));
+        return Any(std::array{QPoint(Below(mOpened.frame->width()), Below(mOpened.frame->height())),
+                              control->mapTo(mOpened.frame, control->rect().center()),
+                              list->viewport()->mapTo(mOpened.frame, cell.center())});
     }
     void Note(const QString& kind, const QString& move = {}) const {
         const QWidget* focus = QApplication::focusWidget();
-        Print(QString("%1 %2: %3, focus on %4")
-                  .arg(kind)
-                  .arg(mStep)
-                  .arg(move, focus ? focus->objectName() : QString()));
+        const QString name = focus ? focus->objectName() : QString();
+        Print(QString("%1 %2: %3, focus on %4").arg(kind).arg(mStep).arg(move, name));
     }
 
     void Press() {
@@ -344,11 +324,10 @@ class RandomUser {
 
     // A screen reader, at a random widget or a cell of it.
     void Listen() {
-        const auto widgets = mOpened.frame->findChildren<QWidget*>();
-        QWidget* widget = widgets[Below(int(widgets.size()))];
+        const QWidget* widget = Any(mOpened.frame->findChildren<QWidget*>());
         Note("reader", "at " + widget->objectName());
         if (widget->objectName() == "InstallEF") mOracle.EditsCommand();
-        auto* access = QAccessible::queryAccessibleInterface(widget);
+        auto* access = QAccessible::queryAccessibleInterface(const_cast<QWidget*>(widget));
         if (access == nullptr) return;
         if (auto* table = access->tableInterface()) {
             table->selectRow(Odd());
@@ -422,8 +401,7 @@ int main(int count, char** arguments) {
         for (const QByteArray& move : moves) ++kinds[move.left(move.indexOf(' '))];
         if (one.exitStatus() == QProcess::NormalExit && one.exitCode() == 0) continue;
         Print(QString("seed %1").arg(arguments[i]));
-        for (const QByteArray& move : moves.last(std::min<qsizetype>(moves.size(), 11)))
-            Print(move);
+        for (const QByteArray& move : moves.mid(moves.size() - 11)) Print(move);
         return 1;
     }
     for (const auto& [kind, times] : kinds) Print(QString("%1 %2").arg(times).arg(kind));

@@ -59,20 +59,16 @@ class PreparedFolder {
         SetBaseFolder({});
         Ports({});
     }
-
     // Sets the machine's serial ports until the folder is removed.
     void Ports(const std::vector<std::string>& names) const {
         System().PortNames = [names] { return names; };
     }
-
     QString Path(const QString& relative = {}) const {
         return relative.isEmpty() ? mPath : mPath + '/' + relative;
     }
-
     FolderItemRef Item(const QString& relative) const {
         return std::make_shared<const FolderItem>(Path(relative).toStdString());
     }
-
     QString Write(const QString& relative, const QByteArray& bytes, int mode = 0644) const {
         const QString path = Path(relative);
         QDir().mkpath(QFileInfo(path).path());
@@ -83,12 +79,10 @@ class PreparedFolder {
         chmod(path.toUtf8().constData(), static_cast<mode_t>(mode));
         return path;
     }
-
     // A shell script in the flash tool's place.
     QString WriteTool(const QByteArray& script) const {
         return Write("esptool/esptool", "#!/bin/sh\n" + script, 0755);
     }
-
     // The owner of everything in the test's folder: never root, whom everybody trusts.
     uid_t Owner() const {
         if (geteuid() != 0) return geteuid();
@@ -134,17 +128,12 @@ class OpenedWindow {
             if (widget->objectName() == name) return dynamic_cast<W*>(widget);
         return nullptr;
     }
-
     void Click(const char* name) const { QTest::mouseClick(Widget<QWidget>(name), Qt::LeftButton); }
-
-    // Presses by keyboard, since the button is outside the window. Returns whether the window is
-    // connected then.
+    // The button is outside the window. Returns true if the window is connected then.
     bool PressConnect() const {
-        Widget<QWidget>("ConnectPB")->setFocus();
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+        QTest::keyClick(Widget<QWidget>("ConnectPB"), Qt::Key_Space);
         return window.mConnected;
     }
-
     // Gives the command and presses Start.
     void Start(const std::string& command) const {
         window.InstallEF().Text(command);
@@ -165,7 +154,6 @@ class OpenedWindow {
         Start(command);
         return Output();
     }
-
     static QString Focus() {
         const QWidget* focus = QApplication::focusWidget();
         return focus ? focus->objectName() : QString();
@@ -194,13 +182,10 @@ int WithProgram(Body body) {
     return failed;
 }
 
-template <class Test>
-int TestMain(int count, char** arguments) {
-    return WithProgram([=] {
-        Test test;
-        return QTest::qExec(&test, count, arguments);
-    });
-}
-
-#define QUILLSTONE_TEST(Test) \
-    int main(int count, char** arguments) { return TestMain<Test>(count, arguments); }
+#define QUILLSTONE_TEST(Test)                             \
+    int main(int count, char** arguments) {               \
+        return WithProgram([=] {                          \
+            Test test;                                    \
+            return QTest::qExec(&test, count, arguments); \
+        });                                               \
+    }

@@ -8,7 +8,6 @@ class UploadTest : public QObject {
         const auto row = Columns<QByteArray, QStringList, QStringList, QString>(
             "setting", "names", "addresses", "command");
         const QStringList free{""}, start{"0x00100000"};
-        row("an empty file", "", free, start, "-cd ck -cb 115200 ");
         row("files that aren't beside it",
             "up,none.bin,1\nup,,1\nup,.,1\nup,..,1\nup,sub/a.bin,1\nup, a.bin,1\nup", free, start,
             "-cd ck -cb 115200 ");
@@ -16,15 +15,14 @@ class UploadTest : public QObject {
             "up,a.bin,1" + QByteArray(1000, ',') + "\r\nup,a b.bin,0x2\rup,b.bin, 3 0",
             {"a.bin", "a b.bin", "b.bin"}, {"1", "0x2", " 3 0"},
             "-cd ck -cb 115200 -ca 1 -cf @/a.bin -ca 0x2 -cf '@/a b.bin' -ca  3 0 -cf @/b.bin");
-        row("no address, no such key, a folder",
-            "# up,a.bin,1\n\n,up,a.bin\n up,a.bin,1\nupp,a.bin\nup,c.bin,9\nup,b.bin\nup,sub,\ncd",
-            {"c.bin", "b.bin", "sub"}, {"9", "", ""}, "-cb 115200 -ca 9 -cf @/c.bin");
-        row("the last reset method and the last known speed",
-            "cb,9600\ncd,a\ncb,460800\ncb,12345\ncd, b b\ncb, 2400\ncb", free, start,
+        row("no address, no such key, a folder, a file twice",
+            "# up,a.bin,1\n\n,up,a.bin\n "
+            "up,a.bin,1\nupp,a.bin\nup,c.bin,9\nup,sub,\nup,c.bin,9\ncd",
+            {"c.bin", "sub", "c.bin"}, {"9", "", "9"},
+            "-cb 115200 -ca 9 -cf @/c.bin -ca 9 -cf @/c.bin");
+        row("the last reset method and the last known speed, keys in any case",
+            "cb,9600\ncd,a\nCb,460800\ncb,12345\nCD, b b\ncb, 2400\ncb", free, start,
             "-cd  b b -cb 460800 ");
-        row("keys in any case, a file twice", "CD,X\ncB,2400\nUp,a.bin,xyz\nup,b.bin\nup,a.bin,xyz",
-            {"a.bin", "b.bin", "a.bin"}, {"xyz", "", "xyz"},
-            "-cd X -cb 2400 -ca xyz -cf @/a.bin -ca xyz -cf @/a.bin");
         row("a byte order mark, a zero byte",
             QByteArray("\xEF\xBB\xBFup,a.bin,1\nup,b.bin?,2\nup,c.bin,").replace('?', '\0'),
             {"a.bin", "c.bin"}, {"1", ""}, "-cd ck -cb 115200 -ca 1 -cf @/a.bin");
@@ -53,14 +51,9 @@ class UploadTest : public QObject {
         }
     }
 
-    void Delete_data() {
-        const auto row = Columns<bool>("byKey");
-        row("by the button", false);
-        row("by the key", true);
-    }
+    // By the key and by the button.
     void Delete() {
         const LoadedWindow job;
-        QFETCH(const bool, byKey);
         job.Press(Qt::Key_Delete);  // with no row selected
         for (const auto& [select, left] : {std::pair(Qt::Key_End, QStringList{"a.bin", "b.bin"}),
                                            {Qt::Key_Down, {"b.bin"}},
@@ -68,7 +61,7 @@ class UploadTest : public QObject {
                                            {Qt::Key_Home, {""}}}) {
             job.view->setFocus();
             job.Press(select);
-            byKey ? job.Press(Qt::Key_Delete) : job.opened.Click("DeletePB");
+            select == Qt::Key_Down ? job.opened.Click("DeletePB") : job.Press(Qt::Key_Delete);
             QCOMPARE(job.Column(0), left);
             const bool sole = left[0].isEmpty();  // stays, free and selected, with its address
             QVERIFY(job.window.DeletePB().Enabled() == sole && (job.list.ListIndex() == 0) == sole);
