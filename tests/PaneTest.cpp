@@ -13,7 +13,6 @@ class PaneTest : public QObject {
     void ARunIsSeen() {
         const OpenedWindow opened;
         auto* pane = opened.Widget<QPlainTextEdit>("rEF");
-        const QWidget* start = opened.Widget<QWidget>("StartPB");
         const auto edge = [&] {  // as it stands on the screen
             const QPoint place = pane->mapTo(opened.frame, QPoint());
             const WId frame = opened.frame->winId();
@@ -24,7 +23,7 @@ class PaneTest : public QObject {
         const QImage idle = edge();
         opened.Start("sleep 99");
         QVERIFY(opened.window.rEF().Busy());
-        QCOMPARE(pane->toolTip() + start->toolTip(), QString("Ctrl+. stops the run").repeated(2));
+        QCOMPARE(pane->toolTip(), "Ctrl+. stops the run");
         QImage before = idle;
         for (int moves = 0; moves < 2; ++moves) {
             QTRY_VERIFY(edge() != idle && edge() != before);
@@ -32,7 +31,7 @@ class PaneTest : public QObject {
         }
         Key(Qt::Key_Period, Qt::ControlModifier);
         QTRY_COMPARE(edge(), idle);
-        QCOMPARE(pane->toolTip() + start->toolTip(), "");
+        QCOMPARE(pane->toolTip(), "");
     }
 
     void OutputIsCopiedAsItWasPrinted() {
@@ -40,8 +39,7 @@ class PaneTest : public QObject {
         const std::string printed = "\xEF\xBB\xBF" + std::string(20'000, 'x') + "\nnext\n";
         opened.window.rEF().AppendText(printed);
         QCOMPARE(opened.window.rEF().Text(), "Install ...." + printed);
-        Key(Qt::Key_A, Qt::ControlModifier);
-        Key(Qt::Key_C, Qt::ControlModifier);
+        Press({Qt::CTRL | Qt::Key_A, Qt::CTRL | Qt::Key_C});
         QCOMPARE(QApplication::clipboard()->text().toStdString(), "Install ...." + printed);
     }
 
@@ -73,21 +71,20 @@ class PaneTest : public QObject {
 
     // The pane keeps the newest output, byte for byte.
     void OutputWithoutEnd_data() {
-        const auto row =
-            Columns<QByteArray, int, int, int>("piece", "pieces", "lines", "characters");
-        row("few characters", "line\n", 1000, 1'000'000, 800);
-        row("no line end", QByteArray(10'000, 'x'), 30, 1'000'000, 100'000);
-        row("empty lines", "\n", 1000, 100, 1'000'000);
+        const auto row = Columns<QByteArray, int, int>("piece", "lines", "characters");
+        row("few characters", "line\n", 1'000'000, 800);
+        row("no line end", QByteArray(10'000, 'x'), 1'000'000, 100'000);
+        row("empty lines", "\n", 100, 1'000'000);
     }
     void OutputWithoutEnd() {
-        const auto [piece, pieces, lines, characters] =
-            Row<QByteArray, int, int, int>("piece", "pieces", "lines", "characters");
+        const auto [piece, lines, characters] =
+            Row<QByteArray, int, int>("piece", "lines", "characters");
         const OpenedWindow opened;
         TextArea& output = opened.window.rEF();
         output.SetLimits(lines, characters);
-        for (int i = 0; i < pieces; ++i) output.AppendText(piece.toStdString());
+        for (int i = 0; i < 300; ++i) output.AppendText(piece.toStdString());
         const QString kept = QString::fromStdString(output.Text());
-        QVERIFY(("Install ...." + piece.repeated(pieces)).endsWith(kept.toUtf8()));
+        QVERIFY(("Install ...." + piece.repeated(300)).endsWith(kept.toUtf8()));
         QVERIFY(kept.count('\n') >= lines - 1 || kept.size() >= characters * 3 / 4);
         QVERIFY(kept.count('\n') < lines && kept.size() <= characters);
     }

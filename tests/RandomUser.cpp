@@ -1,9 +1,8 @@
-// A user who does anything at all with the window: keys, mouse, wheel, input methods, sizes, runs,
-// a screen reader. After each step the window must still be right (see Oracle).
-//
 // Usage: RandomUser STEPS SEED...
-// With several seeds, each has a process of its own. A crash, a report of a sanitizer, a step that
-// takes a minute or a wrong window ends it. Then the program prints the seed and the last moves.
+// A user who does anything at all with the window. After each step it must still be right (see
+// Oracle). With several seeds, each has a process of its own. A crash, a report of a sanitizer, a
+// step that takes a minute or a wrong window ends it. Then the program prints the seed and the last
+// moves.
 //
 // No typed text is ever run: Start replaces the command by one of kCommands. Dialogs and menus with
 // an event loop of their own are closed at once, since a dialog can delete files.
@@ -11,23 +10,18 @@
 
 #include <QAccessible>
 #include <QClipboard>
-#include <QInputMethodEvent>
-#include <QLineEdit>
 #include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <QProcess>
-#include <QTableView>
 #include <QTextBlock>
 #include <QThread>
-#include <QTimer>
 #include <QWheelEvent>
-#include <QWindow>
 #include <array>
 #include <map>
 #include <random>
 
-#include "tests/Testing.h"
+#include "tests/LoadedWindow.h"
 
 namespace {
 
@@ -65,7 +59,7 @@ void Expect(bool isRight, const char* what, const QString& where) {
 // Knows what is right. It judges after each step, and whenever something acts in the middle of one.
 class Oracle {
   public:
-    explicit Oracle(OpenedWindow& opened) : mOpened(opened), mWindow(opened.window) {}
+    explicit Oracle(const LoadedWindow& job) : mJob(job), mWindow(job.window) {}
 
     void BeforeStep() {
         mBefore = Text(mWindow.InstallEF());
@@ -93,7 +87,7 @@ class Oracle {
              {&mWindow.rEF(), &mWindow.UploadEF(), &mWindow.EspToolEF(), &mWindow.InstallEF()})
             JudgeArea(*area);
         for (const char* name : {"ResetEF", "AddressEF"}) {
-            const auto* line = mOpened.Widget<QLineEdit>(name);
+            const auto* line = mJob.opened.Widget<QLineEdit>(name);
             Expect(line->cursorPosition() <= line->text().size(), "cursor", name);
             Expect(!line->text().contains('\n'), "line end", name);
         }
@@ -115,7 +109,7 @@ class Oracle {
     }
 
     QLineEdit* OpenEditor() const {
-        for (auto* editor : mList->viewport()->findChildren<QLineEdit*>())
+        for (auto* editor : mJob.view->viewport()->findChildren<QLineEdit*>())
             if (editor->isVisible()) return editor;
         return nullptr;
     }
@@ -123,7 +117,7 @@ class Oracle {
     void Follow(QLineEdit* editor) {
         if (editor == nullptr) return;
         mTyped = editor->text();
-        mCell = mList->indexAt(editor->geometry().center());
+        mCell = mJob.view->indexAt(editor->geometry().center());
         if (editor == std::exchange(mEditor, editor)) return;
         QObject::connect(editor, &QLineEdit::textChanged, editor,
                          [this](const QString& text) { mTyped = text; });
@@ -131,7 +125,7 @@ class Oracle {
 
     // A text field draws its text, line for line. A composition isn't part of the text.
     void JudgeArea(const TextArea& area) const {
-        const auto* pane = mOpened.Widget<QPlainTextEdit>(area.Name().c_str());
+        const auto* pane = mJob.opened.Widget<QPlainTextEdit>(area.Name().c_str());
         const QTextCursor cursor = pane->textCursor();
         const int end = pane->document()->characterCount();
         Expect(cursor.position() < end && cursor.anchor() < end, "cursor", pane->objectName());
@@ -143,11 +137,11 @@ class Oracle {
 
     void JudgeFocus() const {
         const QWidget* focus = QApplication::focusWidget();
-        if (focus == nullptr || focus->window() != mList->window()) return;
+        if (focus == nullptr || focus->window() != mJob.view->window()) return;
         Expect(focus->isVisible() && focus->isEnabled(), "focus", focus->objectName());
         // The list keeps the focus while an input method composes the first text of an editor.
         const QLineEdit* editor = OpenEditor();
-        Expect(editor == nullptr || focus == editor || focus == mList ||
+        Expect(editor == nullptr || focus == editor || focus == mJob.view ||
                    qobject_cast<const QMenuBar*>(focus) != nullptr,
                "open editor behind", focus->objectName());
     }
@@ -168,9 +162,9 @@ class Oracle {
         option("-cb ", QString::fromStdString(mWindow.BaudPM().Text()));
         option("-cp /dev/", QString::fromStdString(mWindow.PortPM().Text()));
         QStringList images;
-        for (int row = 0; row < mList->model()->rowCount(); ++row) {
-            const QString file = mList->model()->index(row, 0).data().toString();
-            const QString address = mList->model()->index(row, 1).data().toString();
+        for (int row = 0; row < mJob.list.ListCount(); ++row) {
+            const QString file = mJob.Index(row, 0).data().toString();
+            const QString address = mJob.Index(row, 1).data().toString();
             if (!file.isEmpty() && !address.isEmpty())
                 images += "-ca " + address + " -cf " + file.section('(', 1).chopped(1);
         }
@@ -181,7 +175,7 @@ class Oracle {
     // The command says what the window shows, unless the user has edited it since.
     void JudgeCommand() {
         const QString command = Text(mWindow.InstallEF()), composed = Composed();
-        if (command == composed)
+        if (command == composed || command == mJob.tool + composed)
             mIsEdited = false;
         else if (mEditsCommand || CommandHasFocus())
             mIsEdited = true;
@@ -189,9 +183,8 @@ class Oracle {
             Expect(mIsEdited && command == mBefore, "command", command + "| for |" + composed);
     }
 
-    OpenedWindow& mOpened;
+    const LoadedWindow& mJob;
     const EspWin& mWindow;
-    QTableView* mList = mOpened.Widget<QTableView>("ulb");
     QPointer<QLineEdit> mEditor;
     QPersistentModelIndex mCell;  // that is edited
     QString mTyped;               // the text in its editor
@@ -202,14 +195,13 @@ class Oracle {
 class RandomUser {
   public:
     explicit RandomUser(unsigned seed) : mRandom(seed) {
-        for (const char* name : {"a.bin", "b.bin"}) mFolder.Write(name, "1");
-        mFolder.Write("x.csv", "up,a.bin,1\nup,b.bin,2\ncd,none");
-        mFolder.Ports({"p", "q"});
+        mJob.folder.Ports({"p", "q"});
+        mJob.opened.Click("ScanBtn");
         setenv("PATH", "", 1);  // no command finds a program
-        EspWin& window = mOpened.window;
+        EspWin& window = mJob.window;
         Before(window.StartPB().Action, [this] {
             mOracle.OnStart();
-            mOpened.window.InstallEF().Text(Any(kCommands));
+            mJob.window.InstallEF().Text(Any(kCommands));
             mOracle.EditsCommand();
         });
         for (auto* button : {&window.SelectPB(), &window.SelectESPPB(), &window.ScanBtn(),
@@ -260,12 +252,11 @@ class RandomUser {
 
     // Anywhere in the window, or the middle of a control or of a cell.
     QPoint Place() {
-        const auto* list = mOpened.Widget<QTableView>("ulb");
-        const auto* control = static_cast<QWidget*>(Any(list->parentWidget()->children()));
-        const QRect cell = list->visualRect(list->model()->index(Below(2), Below(2)));
-        return Any(std::array{QPoint(Below(mOpened.frame->width()), Below(mOpened.frame->height())),
-                              control->mapTo(mOpened.frame, control->rect().center()),
-                              list->viewport()->mapTo(mOpened.frame, cell.center())});
+        const auto* control = static_cast<QWidget*>(Any(mJob.view->parentWidget()->children()));
+        const QWidget* frame = mJob.opened.frame;
+        return Any(std::array{QPoint(Below(frame->width()), Below(frame->height())),
+                              control->mapTo(frame, control->rect().center()),
+                              mJob.InWindow(Below(2), Below(2))});
     }
     void Note(const QString& kind, const QString& move = {}) const {
         const QWidget* focus = QApplication::focusWidget();
@@ -291,13 +282,13 @@ class RandomUser {
         QApplication::clipboard()->setText(text);
     }
     void Mouse() {
-        QWindow* window = mOpened.frame->windowHandle();
+        QWindow* window = mJob.Desktop();
         const auto button = Any(kButtons);
         const auto held = Any(kHeld);
         const QPoint at = Place();
         Note("mouse", QString("button %1 at %2, %3").arg(button).arg(at.x()).arg(at.y()));
-        if (mOpened.Widget<QWidget>("InstallEF")->isAncestorOf(mOpened.frame->childAt(at)))
-            mOracle.EditsCommand();
+        const QWidget* under = mJob.opened.frame->childAt(at);
+        if (mJob.opened.Widget<QWidget>("InstallEF")->isAncestorOf(under)) mOracle.EditsCommand();
         QTest::mousePress(window, button, held, at);
         if (Below(2) != 0) QTest::mouseMove(window, Place());
         QTest::mouseRelease(window, button, held, Place());
@@ -305,7 +296,7 @@ class RandomUser {
     }
     void Wheel() {
         const QPoint at = Place();
-        QWidget* under = mOpened.frame->childAt(at);
+        QWidget* under = mJob.opened.frame->childAt(at);
         QWheelEvent turn(at, at, {}, {0, Below(2) != 0 ? 120 : -1200}, {}, Any(kHeld),
                          Qt::NoScrollPhase, false);
         Note("wheel");
@@ -314,17 +305,17 @@ class RandomUser {
     void Resize() {
         const QSize size(64 + Below(800), 64 + Below(800));
         Note("size", QString("%1, %2").arg(size.width()).arg(size.height()));
-        mOpened.frame->resize(size);
+        mJob.opened.frame->resize(size);
     }
     void Load() {
         Note("load");
-        mOpened.window.SetInstallSetting(mFolder.Item("x.csv"));
-        if (Below(2) != 0) mOpened.window.esptool().Stop();
+        mJob.Load("up,a.bin,1\nup,b.bin,2\ncd,none");
+        if (Below(2) != 0) mJob.window.esptool().Stop();
     }
 
     // A screen reader, at a random widget or a cell of it.
     void Listen() {
-        const QWidget* widget = Any(mOpened.frame->findChildren<QWidget*>());
+        const QWidget* widget = Any(mJob.opened.frame->findChildren<QWidget*>());
         Note("reader", "at " + widget->objectName());
         if (widget->objectName() == "InstallEF") mOracle.EditsCommand();
         auto* access = QAccessible::queryAccessibleInterface(const_cast<QWidget*>(widget));
@@ -367,9 +358,8 @@ class RandomUser {
 
     std::mt19937 mRandom;
     int mStep = 0;
-    PreparedFolder mFolder{"a/b/base"};
-    OpenedWindow mOpened;
-    Oracle mOracle{mOpened};
+    const LoadedWindow mJob;
+    Oracle mOracle{mJob};
     QTimer mCancel;
 };
 

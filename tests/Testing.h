@@ -7,6 +7,7 @@
 
 #include <QApplication>
 #include <QFile>
+#include <QInputMethodEvent>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
@@ -111,6 +112,12 @@ inline void Press(const QList<QKeyCombination>& keys) {
 }
 inline void Type(const QString& text) {
     for (const QChar c : text) QTest::keyClicks(TakesKeys(), QString(c));
+}
+// By an input method.
+inline void Commit(const QString& text) {
+    QInputMethodEvent event;
+    event.setCommitString(text);
+    QCoreApplication::sendEvent(TakesKeys(), &event);
 }
 
 // The program's window, opened in the current base folder.
