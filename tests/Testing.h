@@ -1,5 +1,4 @@
-// Shared by all tests: the program's start without its window, a prepared folder, and the widgets
-// by their names.
+// Shared by all tests: the program's start, a prepared folder, and the widgets by their names.
 #pragma once
 
 #include <sys/stat.h>
