@@ -14,11 +14,7 @@ class TextTest : public QObject {
         const auto row = Columns<QByteArrayList, QByteArray, QByteArray>("files", "name", "found");
         const QByteArray composed = "\u30AC\u00E9.bin", decomposed = "\u30AB\u3099e\u0301.bin";
         row("written on macOS", {decomposed}, composed, decomposed);
-        row("written for macOS", {composed}, decomposed, composed);
-        row("the same bytes", {composed, decomposed}, decomposed, decomposed);
         row("another case", {"\u00C9B.bin"}, "e\u0301b.BIN", "\u00C9B.bin");
-        row("normalised, not in another case", {decomposed, "\u30AC\u00C9.bin"}, composed,
-            decomposed);
         row("two of another case", {"Boot.bin", "BOOT.bin"}, "boot.bin", "");
         row("no valid text", {"\xFF.bin"}, "\uFFFD.bin", "");
         row("the same case", {"Boot.bin", "boot.bin"}, "boot.bin", "boot.bin");
@@ -39,7 +35,6 @@ class TextTest : public QObject {
         const auto row = Columns<QString, QString, QString>("program", "link", "base");
         row("installed", "p/lib/quillstone/quillstone", "p/bin/quillstone", "work");
         row("a copy in a folder lib", "p/lib/job/quillstone", "x/quillstone", "p/lib/job");
-        row("a copy in a folder bin", "bin/quillstone", "x/quillstone", "bin");
     }
     void TheBaseFolder() {
         const auto [program, link, base] =
@@ -61,7 +56,6 @@ class TextTest : public QObject {
         constexpr int limit = TextInputStream::kLargestFile;
         row("every line end", "a\nb\r\nc\rd", {"a", "b", "c", "d"});
         row("empty lines", "\n\r\n\r\ra\n\r", {"", "", "", "", "a", ""});
-        row("byte order mark", "\xEF\xBB\xBFup,é\n", {"up,é"});
         row("Shift_JIS with a backslash byte", "\x83\x5C\x95\x5C.bin,0\r\nb", {"ソ表.bin,0", "b"});
         row("byte order mark before Shift_JIS", "\xEF\xBB\xBF\x83\x65\n", {"テ"});
         row("Shift_JIS on the last line", "é\n\x83\x65", {"ﾃｩ", "テ"});
@@ -80,30 +74,23 @@ class TextTest : public QObject {
         QCOMPARE(read, lines);
     }
 
-    void EqualWithoutCase() { QVERIFY(Equal("AMZ", "amz") && !Equal("@[", "`{")); }
-
     // The text is the same in whatever pieces the output arrives.
     void TextOfAnOutput_data() {
         const auto row = Columns<QByteArray, QByteArray>("output", "text");
         row("empty lines", "\na\n\n\r\nb", "\na\n\n\nb");
-        row("progress with CR behind", "1 %\r2 %\r", "1 %\n2 %\n");
-        row("progress with CR in front", "x\n\r1 %\r2 %\n\ry", "x\n1 %\n2 %\ny");
-        row("CR twice", "a\r\r\nb\r\rc", "a\nb\nc");
+        row("progress with CR", "x\n\r1 %\r2 %\r\r\ny\r", "x\n1 %\n2 %\ny\n");
         row("split characters", "\u00E9\u30AC\U0001F600", "\u00E9\u30AC\U0001F600");
         row("part of a character at the end", "a\xE3\x83", "a\xE3\x83");
         row("colours", "\033[1;36mNote:\033[0m a\u009B38:5:1mb\033[m\n", "Note: ab\n");
-        row("lines that are printed anew", "\n1 %\n\033[1A\033[2K2 %\n\033[A\033[2Kx\n",
-            "\n1 %\n2 %\nx\n");
         row("progress with CR and deletion", "1 %\r\033[K2 %\033[K\r\033[0K\n3 %\033[K!\033[J!",
             "1 %\n2 %\n3 %!!");
-        row("movements of the cursor",
-            "a\033[2Kb\033[Gc\033[3Dd\033[ue\0338f\033[9;1Hg\u0085h\033[3Ji",
-            "a\nb\nc\nd\ne\nf\ng\nh\ni");
+        row("movements of the cursor", "a\033[2Kb\033[3Dc\0338d\033[9;1He\u0085f\n\033[1A\033[2Kg",
+            "a\nb\nc\nd\ne\nf\ng");
         row("modes, titles and links",
             "\033[?25l\033[ qa\033]0;\u30AC\ab\033]8;;x\033\\c\033P1\u009Cd\u009D2\033\\e"
             "\033_\b\033\\\033^3\a\u0098\u00C0\a",
             "abcde");
-        row("short sequences", "\033(Ba\033=b\033%Gc\0337d\u0084e\u009Cf", "abcd\nef");
+        row("short sequences", "\033(Ba\033=b\u0084c", "ab\nc");
         row("BEL and BS", "a\ab\bc\bd 1 %\b\b\b2 %", "abcd 1 %\n2 %");
         row("no sequences", "\033[3\u00E9\033[0 1m\033\033(\n\033[1\r\u00C0\u00A0",
             "\033[3\u00E9\033[0 1m\033\033(\n\033[1\n\u00C0\u00A0");
