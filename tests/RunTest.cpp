@@ -198,15 +198,13 @@ class RunTest : public QObject {
         const OpenedWindow opened;
         opened.Start("echo x; exec sleep 999");
         QTRY_VERIFY(opened.Shown().contains('\n'));
-        const bool start = control == "StartPB";
-        if (!start) {
+        if (control != "StartPB") {
             opened.Widget<QWidget>(control)->setFocus();
-            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Down);
-            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+            Press({Qt::Key_Down, Qt::Key_Space});
         }
         PressStop();
         QCOMPARE(opened.Output(), "x\n");
-        QCOMPARE(QApplication::focusWidget() == opened.Widget<QWidget>("StartPB"), start);
+        QCOMPARE(opened.Focus() == "StartPB", control == "StartPB");
     }
 
     // A process that a debugger holds at its exit can't be killed. Neither the run nor the window

@@ -64,27 +64,22 @@ class SerialTest : public QObject {
     }
 #endif
 
-    void Selection_data() {
-        using Devices = QList<size_t>;  // by number
-        const auto row = Columns<Devices, Devices, int>("connected", "found", "selected");
-        row("the last one", {1, 0}, {2, 0}, 1);
-        row("an older one below the last", {1, 0}, {0, 1}, 1);
-        row("the last one is gone", {0}, {1, 2}, 0);
-        row("the oldest of seven is forgotten", {0, 1, 2, 3, 4, 5, 6}, {1, 0}, 0);
-    }
+    // Six ports are remembered that were connected. The last of them in the list is selected.
     void Selection() {
-        const auto [connected, found, selected] =
-            Row<QList<size_t>, QList<size_t>, int>("connected", "found", "selected");
-        const Device devices[7];
+        const Device devices[8];
         const Terminal terminal({});
-        for (const size_t number : connected) {
+        for (int number = 0; number < 7; ++number) {
             terminal.Scan({devices[number].name});
             QVERIFY(terminal.PressConnect(true) && terminal.PressConnect(false));
         }
-        std::vector<std::string> names;
-        for (const size_t number : found) names.push_back(devices[number].name);
-        terminal.Scan(names);
-        QCOMPARE(terminal.ports.ListIndex(), selected);
+        const auto selected = [&](int first, int second) {
+            terminal.Scan({devices[first].name, devices[second].name});
+            return terminal.ports.ListIndex();
+        };
+        QCOMPARE(selected(7, 6), 1);
+        QCOMPARE(selected(6, 5), 1);
+        QCOMPARE(selected(1, 0), 0);  // 0 is forgotten
+        QCOMPARE(selected(7, 0), 0);
     }
 
     void ConnectionAndRun() {
@@ -155,9 +150,8 @@ class SerialTest : public QObject {
     }
 
     void UnpluggedDeviceIsLetGo() {
-        auto device = std::make_unique<Device>();
-        const Device next;
-        const Terminal terminal({device->name, next.name});
+        auto device = std::make_unique<Device>(), next = std::make_unique<Device>();
+        const Terminal terminal({device->name, next->name});
         const auto files = OpenFiles();
         QVERIFY(terminal.PressConnect(true));
         device.reset();
@@ -167,7 +161,9 @@ class SerialTest : public QObject {
         // The button still shows Disconnect. One press disconnects, the next one connects.
         QVERIFY(terminal.Shows(true) && terminal.PressConnect(false));
         terminal.ports.ListIndex(1);
-        QVERIFY(terminal.PressConnect(true) && next.InUse());
+        QVERIFY(terminal.PressConnect(true) && next->InUse());
+        next.reset();
+        QVERIFY(terminal.Run("echo x") == "x\n" && terminal.Shows(false));
     }
 
     void DeviceNeverWaitsForUs() {
