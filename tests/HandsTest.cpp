@@ -167,7 +167,8 @@ class HandsTest : public QObject {
         QCOMPARE(job.Focus(), "StartPB");  // Start was disabled meanwhile
     }
 
-    // Start runs the text that the cell shows, whatever the user did in between.
+    // Start runs the text that the cell shows, whatever the user did in between. An input method is
+    // still composing the end of it.
     void AnEditIsTakenOver_data() {
         QTest::addColumn<QString>("steps");
         for (const char* steps :
@@ -175,12 +176,15 @@ class HandsTest : public QObject {
               "Alt, Ctrl+Return", "Menu, Escape, click ResetEF, End, Ctrl+Return",
               "Menu, press StartPB", "Alt, choose BaudPM, Ctrl+Return"})
             QTest::newRow(steps) << steps;
+        QTest::newRow("Tab") << "Tab, Ctrl+Return";
     }
     void AnEditIsTakenOver() {
         const WholeJob job;
         job.TabTo("ulb");
         Press({Qt::Key_Down, Qt::Key_F2});
-        Type("0xA2");
+        Type("0xA");
+        QInputMethodEvent composed("2", {});
+        QCoreApplication::sendEvent(TakesKeys(), &composed);
         QFETCH(const QString, steps);
         Do(job, steps);
         QTRY_COMPARE(job.Runs(), 1);
@@ -216,6 +220,10 @@ class HandsTest : public QObject {
         }
         Key(Qt::Key_Return, Qt::ControlModifier);
         QVERIFY(job.Arguments().startsWith("<-cd><a><b>"));
+        job.TabTo("ResetEF");
+        Type("x");
+        Press({Qt::CTRL | Qt::Key_V, Qt::CTRL | Qt::Key_Z});
+        QCOMPARE(job.window.ResetEF().Text(), "x");  // the paste was one step of undo
     }
 
     // The user presses a key while an input method is composing.
@@ -224,6 +232,7 @@ class HandsTest : public QObject {
             "in", "committed", "key", "text", "left");
         row("Down in the command", "InstallEF", "", Qt::Key_Down, "bca", "");
         row("Shift alone in the command", "InstallEF", "", Qt::Key_Shift, "a", "bc");
+        row("Ctrl+Return in the command", "InstallEF", "", Qt::CTRL | Qt::Key_Return, "bca", "");
         row("Up behind a line end", "InstallEF", "\nz", Qt::Key_Up, "\nzbca", "");
         row("Ctrl+Right in Reset", "ResetEF", "", Qt::CTRL | Qt::Key_Right, "bca", "");
     }

@@ -67,6 +67,11 @@ class PaneTest : public QObject {
                Qt::Key_Left, Qt::Key_Left, Qt::SHIFT | Qt::Key_Return});
         QCOMPARE(text(), pasted.chopped(2) + "\nx\ny");
         QCOMPARE(field->blockCount(), 4);
+        for (int line = 0; line < 20; ++line) Key(Qt::Key_Return, Qt::ShiftModifier);
+        QVERIFY(field->viewport()->rect().contains(field->cursorRect()));
+        QApplication::clipboard()->setText(u"a\u2028b"_qs);
+        Press({Qt::CTRL | Qt::Key_A, Qt::CTRL | Qt::Key_V});
+        QCOMPARE(text(), "a\nb");  // Qt draws a break there
     }
 
     // The pane keeps the newest output, byte for byte.

@@ -25,12 +25,14 @@
 
 namespace {
 
+// Prints how the shell was called: sh, -c, -- and the command's first line, without NULs between.
+constexpr char kShowCall[] = "IFS= read -r x </proc/$$/cmdline; printf %s\\\\n \"$x\"; ";
 constexpr const char* kCommands[] = {"echo a; echo b",
                                      "printf %9999d 1",
                                      "printf '\\377\\r1 %%\\r'",
                                      "read x",
                                      "trap '' TERM; echo x; read x",
-                                     "("};
+                                     "\n("};
 constexpr Qt::Key kKeys[] = {
     Qt::Key_Tab,   Qt::Key_Backtab,   Qt::Key_Return, Qt::Key_Space,    Qt::Key_Escape, Qt::Key_Up,
     Qt::Key_Down,  Qt::Key_Left,      Qt::Key_Right,  Qt::Key_Home,     Qt::Key_End,    Qt::Key_F2,
@@ -76,13 +78,17 @@ class Oracle {
         Expect(OpenEditor() == nullptr, "acts before the edit is taken over", mTyped);
         JudgeEdit();
     }
-    // The shell must be given the command that the window shows.
-    void OnStart() {
+    // The command that the window shows must be right. Then it is replaced by `given`.
+    void OnStart(const QString& given) {
         OnAction();
         JudgeCommand();
+        mWindow.InstallEF().Text(given.toStdString());
+        mEditsCommand = true;
+        mGiven = given;
     }
 
     void AfterStep() {
+        JudgeRun();
         for (const TextArea* area :
              {&mWindow.rEF(), &mWindow.UploadEF(), &mWindow.EspToolEF(), &mWindow.InstallEF()})
             JudgeArea(*area);
@@ -146,6 +152,15 @@ class Oracle {
                "open editor behind", focus->objectName());
     }
 
+    // The shell was given the command that stood in the window.
+    void JudgeRun() const {
+        const QString shown = Text(mWindow.rEF());
+        if (!shown.startsWith("Wait....") || !shown.contains('\n') || !QFile::exists("/proc/self"))
+            return;
+        Expect(shown.section('\n', 0, 0) == "Wait....sh-c--" + mGiven.section('\n', 0, 0), "run",
+               shown);
+    }
+
     // After an edit the typed text is in its cell, unless the row is gone.
     void JudgeEdit() {
         if (!mCell.isValid() || OpenEditor() != nullptr) return;
@@ -189,6 +204,7 @@ class Oracle {
     QPersistentModelIndex mCell;  // that is edited
     QString mTyped;               // the text in its editor
     QString mBefore;              // the command before the step
+    QString mGiven;               // to the last run
     bool mEditsCommand = false, mIsEdited = false;
 };
 
@@ -199,11 +215,8 @@ class RandomUser {
         mJob.opened.Click("ScanBtn");
         setenv("PATH", "", 1);  // no command finds a program
         EspWin& window = mJob.window;
-        Before(window.StartPB().Action, [this] {
-            mOracle.OnStart();
-            mJob.window.InstallEF().Text(Any(kCommands));
-            mOracle.EditsCommand();
-        });
+        Before(window.StartPB().Action,
+               [this] { mOracle.OnStart(QString(kShowCall) + Any(kCommands)); });
         for (auto* button : {&window.SelectPB(), &window.SelectESPPB(), &window.ScanBtn(),
                              &window.DeletePB(), &window.ConnectPB()})
             Before(button->Action, [this] { mOracle.OnAction(); });
@@ -224,7 +237,7 @@ class RandomUser {
         constexpr Move kMoves[] = {&RandomUser::Press, &RandomUser::Press,  &RandomUser::Mouse,
                                    &RandomUser::Mouse, &RandomUser::Type,   &RandomUser::Resize,
                                    &RandomUser::Wheel, &RandomUser::Listen, &RandomUser::Listen,
-                                   &RandomUser::Load,  &RandomUser::Copy};
+                                   &RandomUser::Load,  &RandomUser::Copy,   &RandomUser::Start};
         mOracle.BeforeStep();
         ++mStep;
         (this->*Any(kMoves))();
@@ -293,6 +306,15 @@ class RandomUser {
         if (Below(2) != 0) QTest::mouseMove(window, Place());
         QTest::mouseRelease(window, button, held, Place());
         if (Below(4) == 0) QTest::mouseDClick(window, button, held, Place());
+    }
+    void Start() {
+        Note("start");
+        if (TakesKeys()) Key(Qt::Key_Return, Qt::ControlModifier);
+        const auto prints = [this] {
+            return mJob.window.StartPB().Enabled() ||
+                   mJob.window.rEF().Text().find('\n') != std::string::npos;
+        };
+        Expect(QTest::qWaitFor(prints), "hangs", "");
     }
     void Wheel() {
         const QPoint at = Place();

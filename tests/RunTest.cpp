@@ -231,6 +231,9 @@ class RunTest : public QObject {
 int main(int count, char** arguments) {
     if (count == 4 && std::string_view(arguments[1]) == "--program")
         return ProgramWithRun(arguments[2], std::string_view(arguments[3]) == "kill");
-    return TestMain<RunTest>(count, arguments);
+    return WithProgram([=] {
+        RunTest test;
+        return QTest::qExec(&test, count, arguments);
+    });
 }
 #include "RunTest.moc"

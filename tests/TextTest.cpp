@@ -119,6 +119,9 @@ int main(int count, char** arguments) {
         std::fputs(GetFolderItem("", 0)->NativePath().c_str(), stdout);
         return 0;
     }
-    return TestMain<TextTest>(count, arguments);
+    return WithProgram([=] {
+        TextTest test;
+        return QTest::qExec(&test, count, arguments);
+    });
 }
 #include "TextTest.moc"
