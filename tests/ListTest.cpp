@@ -30,6 +30,7 @@ class ListTest : public QObject {
         QVERIFY(!job.Editor());
         if (start == "click") job.Click(1, 1);
         if (start == "F2" || start == "Return") Press({QKeySequence(start)[0]});
+        QCOMPARE(job.Editor() == nullptr, start.isEmpty() || start == "commit");
         if (start == "commit")
             for (const char* text : {" ", "x", "new"}) Commit(text);  // a blank opens no editor
         else
