@@ -52,14 +52,9 @@ class PaneTest : public QObject {
         const auto text = [&] { return QString::fromStdString(opened.window.InstallEF().Text()); };
         field->setFocus();
         QCOMPARE(field->blockCount(), 2);
-        QTextCursor cursor = field->textCursor();
-        cursor.setPosition(8'194);
-        field->setTextCursor(cursor);
-        for (int i = 0; i < 4; ++i) Key(Qt::Key_Backspace);
-        Type("yz");
-        QCOMPARE(text(), QString(8'190, 'x') + "yz" + QString(806, 'x') + "\nnext");
-        while (field->document()->isUndoAvailable()) field->undo();
-        QCOMPARE(text(), command);
+        QCOMPARE(field->toPlainText(), command);
+        Press({Qt::CTRL | Qt::Key_End, Qt::Key_Backspace});
+        QCOMPARE(text(), command.chopped(1));
         // Return and Shift+Return begin a new line, and so does a pasted line end.
         const QString pasted = "a" + QString(9'000, QChar(0x301)) + "\nbxy";
         QApplication::clipboard()->setText(pasted);
@@ -86,9 +81,9 @@ class PaneTest : public QObject {
         const OpenedWindow opened;
         TextArea& output = opened.window.rEF();
         output.SetLimits(lines, characters);
-        for (int i = 0; i < 300; ++i) output.AppendText(piece.toStdString());
+        for (int i = 0; i < 120; ++i) output.AppendText(piece.toStdString());
         const QString kept = QString::fromStdString(output.Text());
-        QVERIFY(("Install ...." + piece.repeated(300)).endsWith(kept.toUtf8()));
+        QVERIFY(("Install ...." + piece.repeated(120)).endsWith(kept.toUtf8()));
         QVERIFY(kept.count('\n') >= lines - 1 || kept.size() >= characters * 3 / 4);
         QVERIFY(kept.count('\n') < lines && kept.size() <= characters);
     }
