@@ -138,7 +138,8 @@ class ListTest : public QObject {
     void AccessToText() {
         const LoadedWindow job;
         QFETCH(const bool, edited);
-        Press({Qt::Key_Space});  // selects the first row
+        Press({Qt::Key_Space});
+        QCOMPARE(job.list.ListIndex(), 0);
         if (edited) Press({Qt::Key_F2});
         auto* access = QAccessible::queryAccessibleInterface(QApplication::focusWidget());
         if (!edited) access = access->tableInterface()->cellAt(0, 1);
