@@ -163,48 +163,42 @@ class RunTest : public QObject {
         QCOMPARE(program.exitCode(), killed ? SIGKILL : 0);
     }
 
-    // As the memory killer may do, though it prefers the tool. No process of the run goes on.
-    void SupervisorIsKilled_data() {
-        const auto row = Columns<bool>("ignored");
-        row("by itself", false);
-        row("in a program that was started with SIGCHLD ignored", true);
-    }
+    // As the memory killer may do, though it prefers the tool. No process of the run goes on, also
+    // where the program was started with SIGCHLD ignored.
     void SupervisorIsKilled() {
-        QFETCH(const bool, ignored);
-        const auto restore = qScopeGuard(
-            [former = signal(SIGCHLD, ignored ? SIG_IGN : SIG_DFL)] { signal(SIGCHLD, former); });
-        const OpenedWindow opened;
-        opened.Start(
-            "cat /proc/$$/oom_score_adj /proc/$PPID/oom_score_adj; echo $PPID; "
-            "setsid sh -c 'trap \"\" TERM HUP; sleep 999 & wait' & wait");
-        QTRY_COMPARE(opened.Shown().count('\n'), 3);
-        QTRY_COMPARE(MarkedProcesses().size(), 3);
-        const QStringList words = opened.Shown().split('\n');
-        QVERIFY(words[0].toInt() > words[1].toInt());
-        kill(words[2].toInt(), SIGKILL);
-        QVERIFY(opened.Output().endsWith("\nquillstone-run was killed, which ended the run\n"));
-        QCOMPARE(MarkedProcesses(), QList<int>());
-        QVERIFY(waitpid(-1, nullptr, WNOHANG) < 0);  // none is left as a zombie
+        const auto restore = qScopeGuard([] { signal(SIGCHLD, SIG_DFL); });
+        for (const auto handler : {SIG_DFL, SIG_IGN}) {
+            signal(SIGCHLD, handler);
+            const OpenedWindow opened;
+            opened.Start(
+                "cat /proc/$$/oom_score_adj /proc/$PPID/oom_score_adj; echo $PPID; "
+                "setsid sh -c 'trap \"\" TERM HUP; sleep 999 & wait' & wait");
+            QTRY_COMPARE(opened.Shown().count('\n'), 3);
+            QTRY_COMPARE(MarkedProcesses().size(), 3);
+            const QStringList words = opened.Shown().split('\n');
+            QVERIFY(words[0].toInt() > words[1].toInt());
+            kill(words[2].toInt(), SIGKILL);
+            QVERIFY(opened.Output().endsWith("quillstone-run was killed, which ended the run\n"));
+            QCOMPARE(MarkedProcesses(), QList<int>());
+            QVERIFY(waitpid(-1, nullptr, WNOHANG) < 0);  // none is left as a zombie
+        }
     }
 
     // Ctrl+. works wherever the focus is, also in an open cell or an open list. If the user pressed
     // no other key, the focus comes back to Start.
-    void StopWithTheFocusOn_data() {
-        const auto row = Columns<QByteArray>("control");
-        for (const char* name : {"StartPB", "InstallEF", "PortPM", "ulb"}) row(name, name);
-    }
     void StopWithTheFocusOn() {
-        QFETCH(QByteArray, control);
-        const OpenedWindow opened;
-        opened.Start("echo x; exec sleep 999");
-        QTRY_VERIFY(opened.Shown().contains('\n'));
-        if (control != "StartPB") {
-            opened.Widget<QWidget>(control)->setFocus();
-            Press({Qt::Key_Down, Qt::Key_Space});
+        for (const char* control : {"StartPB", "InstallEF", "PortPM", "ulb"}) {
+            const OpenedWindow opened;
+            opened.Start("echo x; exec sleep 999");
+            QTRY_VERIFY(opened.Shown().contains('\n'));
+            const bool start = control == QString("StartPB");
+            if (!start) {
+                opened.Widget<QWidget>(control)->setFocus();
+                Press({Qt::Key_Down, Qt::Key_Space});
+            }
+            PressStop();
+            QVERIFY2(opened.Output() == "x\n" && start == (opened.Focus() == "StartPB"), control);
         }
-        PressStop();
-        QCOMPARE(opened.Output(), "x\n");
-        QCOMPARE(opened.Focus() == "StartPB", control == "StartPB");
     }
 
     // A process that a debugger holds at its exit can't be killed. Neither the run nor the window
