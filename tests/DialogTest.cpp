@@ -127,7 +127,8 @@ class DialogTest : public QObject {
 
     void UploadFile() {
         const Chooser chooser;
-        for (const char* name : {"BOOT.BIN", "notes.txt", "a b/one.bin"}) chooser.Write(name, "");
+        for (const char* name : {"BOOT.BIN", "notes.txt", "a b/one.bin"})
+            chooser.Write(name, "cb,9600\n");
         chooser.Write("a b/job.CSV", "cd,none\ncb,9600\nup,one.bin,0x9\n");
         QVERIFY(chooser.Choose("SelectPB", {"BOOT.BIN"}));
         QVERIFY(chooser.Choose("ulb", {"a b", "one.bin"}));  // a folder is walked through

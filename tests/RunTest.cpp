@@ -66,7 +66,10 @@ void AddRuns(const std::function<void(const char*, QByteArray, QString)>& add) {
 class RunTest : public QObject {
     Q_OBJECT
   private slots:
-    void initTestCase() { qputenv(Mark(), "1"); }
+    void initTestCase() {
+        qputenv(Mark(), "1");
+        qunsetenv("NO_COLOR");
+    }
     void cleanup() {
         for (const int process : MarkedProcesses()) kill(process, SIGKILL);
     }
