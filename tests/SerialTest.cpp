@@ -64,22 +64,21 @@ class SerialTest : public QObject {
     }
 #endif
 
-    // Six ports are remembered that were connected. The last of them in the list is selected.
+    // The window remembers the ports of the last six connects.
     void Selection() {
-        const Device devices[8];
+        const Device devices[7];
         const Terminal terminal({});
-        for (int number = 0; number < 7; ++number) {
+        for (const int number : {0, 1, 2, 3, 4, 5, 4}) {
             terminal.Scan({devices[number].name});
             QVERIFY(terminal.PressConnect(true) && terminal.PressConnect(false));
         }
-        const auto selected = [&](int first, int second) {
-            terminal.Scan({devices[first].name, devices[second].name});
+        const auto selected = [&](int first, int second, int third) {
+            terminal.Scan({devices[first].name, devices[second].name, devices[third].name});
             return terminal.ports.ListIndex();
         };
-        QCOMPARE(selected(7, 6), 1);
-        QCOMPARE(selected(6, 5), 1);
-        QCOMPARE(selected(1, 0), 0);  // 0 is forgotten
-        QCOMPARE(selected(7, 0), 0);
+        QCOMPARE(selected(6, 5, 4), 2);  // the last one, though it was connected before too
+        QCOMPARE(selected(4, 6, 1), 2);  // an older one below the last
+        QCOMPARE(selected(6, 0, 0), 0);  // none
     }
 
     void ConnectionAndRun() {
