@@ -21,10 +21,10 @@ constexpr char kUsage[] =
     "usage: quillstone-kit [--speed SPEED] [--reset RESET] [--copy] [--tool FILE] [--program] "
     "[--from BUILD] FOLDER [IMAGE ADDRESS]...";
 
-// Of a line alone, since the text may hold names with line ends.
+// Prints one line. The text may hold names with line ends.
 void Say(std::string text) {
-    std::replace_if(
-        text.begin(), text.end(), [](char c) { return c == '\n' || c == '\r'; }, '?');
+    for (char& c : text)
+        if (c == '\n' || c == '\r') c = '?';
     std::fprintf(stderr, "quillstone-kit: %s\n", text.c_str());
 }
 

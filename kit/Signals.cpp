@@ -14,7 +14,7 @@ extern "C" void Note(int signal) { noted = signal; }
 
 void NoteSignals() {
     for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
-        struct sigaction action {};
+        struct sigaction action = {};
         if (sigaction(signal, nullptr, &action) != 0 || action.sa_handler == SIG_IGN) continue;
         action.sa_handler = Note;
         action.sa_flags = SA_RESTART;
