@@ -82,8 +82,12 @@ fs::path FindProjectBuild(const fs::path& project) {
 }  // namespace
 
 std::vector<Image> ReadBuild(const fs::path& build) {
-    fs::path file = build;
-    if (fs::is_directory(build)) file = FindBuild(build);
-    if (file.empty()) file = FindProjectBuild(build);
-    return file.filename() == kIdeData ? ReadIdeData(file) : ReadImageList(file);
+    try {
+        fs::path file = build;
+        if (fs::is_directory(build)) file = FindBuild(build);
+        if (file.empty()) file = FindProjectBuild(build);
+        return file.filename() == kIdeData ? ReadIdeData(file) : ReadImageList(file);
+    } catch (const fs::filesystem_error& error) {
+        throw Refusal(error.code().message() + ": " + error.path1().string());
+    }
 }

@@ -93,12 +93,13 @@ fs::path WholePath(const fs::path& file) {
     return fs::canonical(file.has_parent_path() ? file.parent_path() : ".") / file.filename();
 }
 
-// A link into the folder would lead to itself when the parts are exchanged.
+// A link into the folder would lead to itself when the parts are exchanged. The file may lie there,
+// or be a link to a file there.
 void CheckOutside(const fs::path& file, const fs::path& folder) {
-    const fs::path whole = WholePath(file);
     const fs::path top = fs::canonical(folder);
-    if (std::mismatch(top.begin(), top.end(), whole.begin(), whole.end()).first == top.end())
-        throw Refusal(file.string() + " lies in " + folder.string() + ": use --copy");
+    for (const fs::path& path : {WholePath(file), fs::canonical(file)})
+        if (std::mismatch(top.begin(), top.end(), path.begin(), path.end()).first == top.end())
+            throw Refusal(file.string() + " lies in " + folder.string() + ": use --copy");
 }
 
 void Copy(const fs::path& file, const fs::path& to) {

@@ -53,6 +53,8 @@ class CommandLine {
         const QString value = mParser.value(option);
         if (Has(option) && value.isEmpty())
             throw Refusal(std::string("no value after --") + option);
+        if (mParser.values(option).size() > 1)
+            throw Refusal(std::string("given twice: --") + option);
         return Bytes(value);
     }
     std::vector<std::string> Others() const {

@@ -267,8 +267,11 @@ class KitTest : public QObject {
                  qMakePair(0, QByteArray()));
         QCOMPARE(machine.Tree("empty"), copied);
         // From the folder itself only copies can be made.
-        QCOMPARE(machine.Run("cd empty; quillstone-kit . bin/a.bin 7").second,
-                 "quillstone-kit: bin/a.bin lies in .: use --copy\n");
+        for (const QByteArray image : {"bin/a.bin", "../link.bin"}) {
+            QFile::link(machine.Path("empty/bin/a.bin"), machine.Path("link.bin"));
+            QCOMPARE(machine.Run("cd empty; quillstone-kit . " + image + " 7").second,
+                     "quillstone-kit: " + image + " lies in .: use --copy\n");
+        }
         QCOMPARE(machine.Tree("empty"), copied);
     }
 
