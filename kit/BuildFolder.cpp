@@ -61,8 +61,9 @@ fs::path FindBuild(const fs::path& folder) {
 
 fs::path FindProjectBuild(const fs::path& project) {
     std::vector<fs::path> found;
-    if (fs::is_regular_file(project / "build" / kList)) found.push_back(project / "build" / kList);
-    const fs::path environments = project / ".pio" / "build";
+    const fs::path list = project / "build/flash_args";
+    if (fs::is_regular_file(list)) found.push_back(list);
+    const fs::path environments = project / ".pio/build";
     if (fs::is_directory(environments))
         for (const fs::path& folder : fs::directory_iterator(environments))
             if (fs::is_regular_file(folder / kIdeData)) found.push_back(folder / kIdeData);
