@@ -67,6 +67,10 @@ void LineEdit::focusOutEvent(QFocusEvent* event) {
     QLineEdit::focusOutEvent(event);
 }
 
+// Qt's own menu would paste line ends. The window shows its edit items for the field with the
+// focus.
+void LineEdit::contextMenuEvent(QContextMenuEvent* event) { event->ignore(); }
+
 // Makes text of what is being composed. Qt counts its characters when a key or a click moves the
 // cursor, and puts the cursor behind the end of the text.
 void LineEdit::EndComposition() {

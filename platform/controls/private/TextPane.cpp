@@ -178,6 +178,7 @@ void TextPane::DropComposition() {
 // Makes text of what is being composed. Otherwise Qt counts its characters when a key moves the
 // cursor, and puts the cursor behind the end of the text.
 void TextPane::EndComposition() {
+    ShowText();  // it replaces the text in which the composition was
     if (Composed().isEmpty()) return;
     QGuiApplication::inputMethod()->commit();
     const QString composed = Composed();
